@@ -1,0 +1,79 @@
+// qovxml-configure: runs QovXml::ConfigureQovXmls from the command line.
+#include "DefaultMachine.h"
+#include "QovXml.h"
+
+#include "MachineJson.h"
+#include "SimulatedMachine.h"
+#include "Utf16.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace
+{
+
+enum ExitCode : int { Success = 0, RunFailed = 1, WrongUsage = 2 };
+
+class ConsoleLogger final : public ILogger
+{
+public:
+    void Log(LogLevel level, const std::wstring& message) override
+    {
+        std::cerr << (level == LogLevel::Warning ? "[warning] " : "[info] ") << simulation::Utf16ToUtf8(message)
+                  << '\n';
+    }
+};
+
+struct Options {
+    QovXml::Config config;
+    std::string machine;
+};
+
+int Run(const Options& options)
+{
+    ConsoleLogger logger;
+    try {
+        std::unique_ptr<simulation::SimulatedMachine> machine;
+        if (!options.machine.empty())
+            machine = std::make_unique<simulation::SimulatedMachine>(simulation::ReadMachine(options.machine));
+        else if (auto description = host::DefaultMachine())
+            machine = std::make_unique<simulation::SimulatedMachine>(*std::move(description));
+        QovXml::ConfigureQovXmls(options.config, logger);
+    } catch (const std::exception& failure) {
+        std::cerr << "qovxml-configure: failed: " << failure.what() << '\n';
+        return RunFailed;
+    }
+    std::cout << "qovxml-configure: completed\n";
+    return Success;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    CLI::App app("Fits the three QOV configuration files to the audio processing modules of this machine.",
+                 "qovxml-configure");
+    app.add_option("--configuration", options.config.ConfigurationFile, "QOV configuration file, edited in place")
+        ->required();
+    app.add_option("--settings", options.config.SettingsFile, "QOV settings file, edited in place")->required();
+    app.add_option("--pipelines", options.config.ApoPipelinesDefinitionFile,
+                   "APO pipelines definition file, edited in place when an APO is present")
+        ->required();
+    app.add_option("--machine", options.machine, "run on a simulated machine instead, described by this JSON file")
+        ->check(CLI::ExistingFile);
+    app.set_version_flag("--version", QOVXML_VERSION);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& request) {
+        return app.exit(request);
+    } catch (const CLI::ParseError& error) {
+        app.exit(error);
+        return WrongUsage;
+    }
+    return Run(options);
+}

@@ -1,0 +1,183 @@
+#include "DeviceEnumerator.h"
+
+#include "Utf16.h"
+
+#include <mmdeviceapi.h>
+
+#include <algorithm>
+#include <array>
+
+namespace simulation
+{
+
+HRESULT HandOutText(const std::wstring& text, LPWSTR* place)
+{
+    if (place == nullptr)
+        return E_POINTER;
+    *place = static_cast<LPWSTR>(CoTaskMemAlloc((text.size() + 1) * sizeof(WCHAR)));
+    if (*place == nullptr)
+        return E_OUTOFMEMORY;
+    std::copy_n(text.c_str(), text.size() + 1, *place);
+    return S_OK;
+}
+
+namespace
+{
+
+constexpr PROPERTYKEY FriendlyName{{0xa45c254e, 0xdf1c, 0x4efd, {0x80, 0x20, 0x67, 0xd1, 0x46, 0xa8, 0x50, 0xe0}}, 14};
+constexpr PROPERTYKEY EndpointGuid{{0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 4};
+
+bool SameKey(REFPROPERTYKEY left, REFPROPERTYKEY right)
+{
+    return IsEqualGUID(left.fmtid, right.fmtid) && left.pid == right.pid;
+}
+
+std::string NameOf(const Endpoint& endpoint) { return Utf16ToUtf8(endpoint.deviceId); }
+
+class PropertyStore final : public ComObject<IPropertyStore>
+{
+public:
+    PropertyStore(MachinePtr machine, const Endpoint& endpoint) : ComObject(std::move(machine)), endpoint_(endpoint) {}
+
+    HRESULT STDMETHODCALLTYPE GetCount(DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetAt(DWORD, PROPERTYKEY*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) override
+    {
+        return Recorded("IPropertyStore::GetValue", NameOf(endpoint_), std::to_string(key.pid), [&]() -> HRESULT {
+            PropVariantInit(value);
+            // A property that an endpoint does not have reads as an empty value.
+            const std::wstring* text = SameKey(key, FriendlyName)   ? &endpoint_.friendlyName
+                                       : SameKey(key, EndpointGuid) ? &endpoint_.guidPropertyText
+                                                                    : nullptr;
+            if (text == nullptr)
+                return S_OK;
+            const HRESULT result = HandOutText(*text, &value->pwszVal);
+            if (SUCCEEDED(result))
+                value->vt = VT_LPWSTR;
+            return result;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY, REFPROPVARIANT) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE Commit() override { return E_NOTIMPL; }
+
+private:
+    const Endpoint& endpoint_;
+};
+
+class Device final : public ComObject<IMMDevice, IMMEndpoint>
+{
+public:
+    Device(MachinePtr machine, const Endpoint& endpoint) : ComObject(std::move(machine)), endpoint_(endpoint) {}
+
+    HRESULT STDMETHODCALLTYPE Activate(REFIID, DWORD, PROPVARIANT*, void** object) override
+    {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD access, IPropertyStore** store) override
+    {
+        return Recorded("IMMDevice::OpenPropertyStore", NameOf(endpoint_), std::to_string(access), [&] {
+            return access == STGM_READ ? HandOut(new PropertyStore(SharedMachine(), endpoint_), store) : E_INVALIDARG;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE GetId(LPWSTR* id) override
+    {
+        return Recorded("IMMDevice::GetId", NameOf(endpoint_), {}, [&] { return HandOutText(endpoint_.deviceId, id); });
+    }
+    HRESULT STDMETHODCALLTYPE GetState(DWORD* state) override
+    {
+        *state = endpoint_.state;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetDataFlow(EDataFlow* flow) override
+    {
+        *flow = endpoint_.flow;
+        return S_OK;
+    }
+
+private:
+    const Endpoint& endpoint_;
+};
+
+class DeviceCollection final : public ComObject<IMMDeviceCollection>
+{
+public:
+    DeviceCollection(MachinePtr machine, std::vector<const Endpoint*> endpoints)
+        : ComObject(std::move(machine)), endpoints_(std::move(endpoints))
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE GetCount(UINT* count) override
+    {
+        return Recorded("IMMDeviceCollection::GetCount", {}, {}, [&] {
+            *count = static_cast<UINT>(endpoints_.size());
+            return S_OK;
+        });
+    }
+    HRESULT STDMETHODCALLTYPE Item(UINT index, IMMDevice** device) override
+    {
+        return Recorded("IMMDeviceCollection::Item", {}, std::to_string(index), [&]() -> HRESULT {
+            if (index >= endpoints_.size())
+                return E_INVALIDARG;
+            return HandOut(new Device(SharedMachine(), *endpoints_[index]), device);
+        });
+    }
+
+private:
+    std::vector<const Endpoint*> endpoints_;
+};
+
+class DeviceEnumerator final : public ComObject<IMMDeviceEnumerator>
+{
+public:
+    explicit DeviceEnumerator(MachinePtr machine) : ComObject(std::move(machine)) {}
+
+    HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow flow, DWORD stateMask,
+                                                 IMMDeviceCollection** devices) override
+    {
+        const std::string arguments = std::to_string(flow) + ", " + std::to_string(stateMask);
+        return Recorded("IMMDeviceEnumerator::EnumAudioEndpoints", {}, arguments, [&]() -> HRESULT {
+            if (flow != eRender && flow != eCapture && flow != eAll)
+                return E_INVALIDARG;
+            std::vector<const Endpoint*> endpoints;
+            for (const Endpoint& endpoint : Machine().description.endpoints)
+                if ((flow == eAll || flow == endpoint.flow) && (stateMask & endpoint.state) != 0)
+                    endpoints.push_back(&endpoint);
+            return HandOut(new DeviceCollection(SharedMachine(), std::move(endpoints)), devices);
+        });
+    }
+    HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow, ERole, IMMDevice**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR, IMMDevice**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE RegisterEndpointNotificationCallback(IMMNotificationClient*) override
+    {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE UnregisterEndpointNotificationCallback(IMMNotificationClient*) override
+    {
+        return E_NOTIMPL;
+    }
+};
+
+class EnumeratorFactory final : public ComObject<IClassFactory>
+{
+public:
+    explicit EnumeratorFactory(MachinePtr machine) : ComObject(std::move(machine)) {}
+
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID riid, void** object) override
+    {
+        *object = nullptr;
+        if (outer != nullptr)
+            return CLASS_E_NOAGGREGATION;
+        auto* const enumerator = new DeviceEnumerator(SharedMachine());
+        const HRESULT result = enumerator->Query(riid, object);
+        enumerator->Release();
+        return result;
+    }
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+};
+
+}  // namespace
+
+IClassFactory* MakeDeviceEnumeratorFactory(MachinePtr machine) { return new EnumeratorFactory(std::move(machine)); }
+
+}  // namespace simulation

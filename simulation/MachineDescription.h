@@ -1,0 +1,67 @@
+// A simulated machine as plain data. Wide texts are UTF-16.
+#pragma once
+
+#include <windows.h>
+
+#include <mmdeviceapi.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace simulation
+{
+
+using Bytes = std::vector<std::uint8_t>;
+
+struct WindowsVersion {
+    WORD major = 10;
+    WORD minor = 0;
+};
+
+// A registry value: its data exactly as it is stored.
+struct RegistryValue {
+    std::wstring name;
+    DWORD type = REG_NONE;
+    Bytes data;
+};
+
+// UTF-16 units, low byte first, with that many NUL units behind them.
+Bytes TextData(const std::wstring& text, unsigned terminators = 1);
+
+// 38 characters in braces, in lower case as the registry names keys, or in upper case as properties hold it.
+std::wstring LowerGuidText(const GUID& guid);
+std::wstring UpperGuidText(const GUID& guid);
+
+struct Endpoint {
+    GUID guid{};
+    EDataFlow flow = eRender;
+    DWORD state = DEVICE_STATE_ACTIVE;
+    std::wstring deviceId;  // the platform's id of the endpoint device
+    std::wstring friendlyName;
+    std::wstring guidPropertyText;                           // what PKEY_AudioEndpoint_GUID holds
+    bool registered = true;                                  // whether it has a key in the registry
+    std::optional<std::vector<RegistryValue>> properties;    // none: there is no `Properties` key
+    std::optional<std::vector<RegistryValue>> fxProperties;  // none: there is no `FxProperties` key
+};
+
+// The id that Windows would give the endpoint's device.
+std::wstring DefaultDeviceId(const Endpoint& endpoint);
+
+// Makes a call fail: "Interface::Method" of the simulated objects, or the name of a Windows function.
+struct Fault {
+    std::string call;
+    std::optional<unsigned> occurrence;  // counts the calls of that name from 1; none: every call
+    LONG result = 0;
+};
+
+struct MachineDescription {
+    WindowsVersion windowsVersion;
+    std::vector<Endpoint> endpoints;              // in the order in which the device enumerator lists them
+    std::vector<std::wstring> furtherRenderKeys;  // subkeys of the endpoint keys that belong to no endpoint
+    std::vector<std::wstring> furtherCaptureKeys;
+    std::vector<Fault> faults;
+};
+
+}  // namespace simulation

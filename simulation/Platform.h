@@ -1,0 +1,21 @@
+// What a simulated machine needs of the system below it that is not the same everywhere.
+#pragma once
+
+#include "CallMonitor.h"
+#include "MachineDescription.h"
+
+namespace simulation
+{
+
+// While it lives, the system reports the machine's Windows version, and the monitor sees every call of a Windows
+// function. Throws std::runtime_error when this system cannot do what the machine asks for.
+class PlatformScope
+{
+public:
+    PlatformScope(const MachineDescription& machine, CallMonitor& calls);
+    PlatformScope(const PlatformScope&) = delete;
+    PlatformScope& operator=(const PlatformScope&) = delete;
+    ~PlatformScope();
+};
+
+}  // namespace simulation

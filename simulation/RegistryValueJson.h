@@ -1,0 +1,15 @@
+#pragma once
+
+#include "JsonPlace.h"
+#include "MachineDescription.h"
+
+#include <vector>
+
+namespace simulation
+{
+
+// The values of one registry key, by name: a text (REG_SZ), a number (REG_DWORD), or an object that names the type and
+// gives the data as text, number or bytes.
+std::vector<RegistryValue> ReadRegistryValues(const JsonPlace& place);
+
+}  // namespace simulation

@@ -1,0 +1,200 @@
+#include "xmledit/Blocks.h"
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string_view>
+
+namespace qov
+{
+
+namespace
+{
+
+constexpr std::string_view CommentStart = "<!--";
+constexpr std::string_view CommentEnd = "-->";
+constexpr std::size_t NotFound = std::string::npos;
+
+enum class State { Disabled, Enabled };
+
+// What a call looks for and what it makes of it.
+struct Toggle {
+    State wanted;
+    const std::string& keyword;
+    const std::string& startTag;
+    const std::string& endTag;
+};
+
+struct Block {
+    std::size_t startLine;
+    std::size_t endLine;
+    std::size_t element;  // position of the block's own start tag on the start line
+};
+
+bool Holds(const std::string& line, std::string_view text) { return line.find(text) != NotFound; }
+
+std::optional<std::size_t> FindDown(const LineFile& lines, std::size_t from, std::string_view text)
+{
+    for (std::size_t index = from; index < lines.size(); ++index)
+        if (Holds(lines[index], text))
+            return index;
+    return std::nullopt;
+}
+
+std::optional<std::size_t> FindUp(const LineFile& lines, std::size_t from, std::string_view text)
+{
+    for (std::size_t index = from + 1; index-- > 0;)
+        if (Holds(lines[index], text))
+            return index;
+    return std::nullopt;
+}
+
+bool IsNameByte(char byte)
+{
+    const auto value = static_cast<unsigned char>(byte);
+    return (value >= '0' && value <= '9') || (value >= 'A' && value <= 'Z') || (value >= 'a' && value <= 'z') ||
+           value >= 0x80 || byte == '_' || byte == '-' || byte == '.' || byte == ':';
+}
+
+// The first start tag at or after `from` whose element name ends with it ("<ParameterBlockRef" is none).
+std::size_t FindElement(const std::string& line, const std::string& startTag, std::size_t from)
+{
+    for (std::size_t found = line.find(startTag, from); found != NotFound; found = line.find(startTag, found + 1)) {
+        const std::size_t next = found + startTag.size();
+        if (next == line.size() || !IsNameByte(line[next]))
+            return found;
+    }
+    return NotFound;
+}
+
+[[noreturn]] void Refuse(const Toggle& toggle, std::size_t line, const std::string& reason)
+{
+    throw std::runtime_error(std::string("Cannot ") + (toggle.wanted == State::Disabled ? "disable" : "enable") +
+                             " block \"" + toggle.keyword + "\": line " + std::to_string(line + 1) + " " + reason);
+}
+
+void RefuseOtherBlocks(const LineFile& lines, const Block& block, const Toggle& toggle)
+{
+    if (lines[block.startLine].find(toggle.endTag) < block.element)
+        Refuse(toggle, block.startLine, "holds the end of another block");
+    for (std::size_t index = block.startLine; index <= block.endLine; ++index) {
+        const std::size_t from = index == block.startLine ? block.element + 1 : 0;
+        if (FindElement(lines[index], toggle.startTag, from) != NotFound)
+            Refuse(toggle, index, "starts another block inside it");
+    }
+}
+
+// The element's start tag ends at the first '>' outside its attribute values, maybe on a later line.
+void RefuseSelfClosing(const LineFile& lines, const Block& block, const Toggle& toggle)
+{
+    char quote = '\0';
+    char previous = '\0';
+    for (std::size_t index = block.startLine; index <= block.endLine; ++index) {
+        const std::size_t from = index == block.startLine ? block.element + toggle.startTag.size() : 0;
+        for (const char byte : std::string_view(lines[index]).substr(from)) {
+            if (quote != '\0') {
+                if (byte == quote)
+                    quote = '\0';
+            } else if (byte == '"' || byte == '\'') {
+                quote = byte;
+            } else if (byte == '>') {
+                if (previous == '/')
+                    Refuse(toggle, index, "closes the element in its start tag");
+                return;
+            }
+            previous = byte;
+        }
+    }
+}
+
+void RefuseMarkers(const LineFile& lines, const Block& block, const Toggle& toggle)
+{
+    if (toggle.wanted == State::Enabled) {
+        if (!lines[block.startLine].starts_with(CommentStart))
+            Refuse(toggle, block.startLine, "does not begin with \"<!--\"");
+        if (!lines[block.endLine].ends_with(CommentEnd))
+            Refuse(toggle, block.endLine, "does not end with \"-->\"");
+        return;
+    }
+    for (std::size_t index = block.startLine; index <= block.endLine; ++index)
+        if (Holds(lines[index], CommentStart) || Holds(lines[index], CommentEnd))
+            Refuse(toggle, index, "holds a comment marker");
+}
+
+void Edit(LineFile& lines, const Block& block, State wanted)
+{
+    std::string& startLine = lines[block.startLine];
+    std::string& endLine = lines[block.endLine];
+    if (wanted == State::Disabled) {
+        startLine.insert(0, CommentStart);
+        endLine.append(CommentEnd);
+    } else {
+        startLine.erase(0, CommentStart.size());
+        endLine.erase(endLine.size() - CommentEnd.size());
+    }
+}
+
+void ToggleBlocks(LineFile& lines, const Toggle& toggle)
+{
+    std::size_t resume = 0;
+    while (const auto keywordLine = FindDown(lines, resume, toggle.keyword)) {
+        const auto startLine = FindUp(lines, *keywordLine, toggle.startTag);
+        if (!startLine)
+            throw std::runtime_error("Section start tag \"" + toggle.startTag + "\"not found");
+        const State state = Holds(lines[*startLine], CommentStart) ? State::Disabled : State::Enabled;
+        if (state == toggle.wanted)
+            return;
+        const auto endLine = FindDown(lines, *keywordLine, toggle.endTag);
+        if (!endLine)
+            throw std::runtime_error("Parameter block end for keyword \"" + toggle.endTag + "\"not found");
+
+        const std::size_t named = FindElement(lines[*startLine], toggle.startTag, 0);
+        const Block block{*startLine, *endLine, named != NotFound ? named : lines[*startLine].find(toggle.startTag)};
+        RefuseSelfClosing(lines, block, toggle);
+        RefuseOtherBlocks(lines, block, toggle);
+        RefuseMarkers(lines, block, toggle);
+        Edit(lines, block, toggle.wanted);
+        resume = *endLine + 1;
+    }
+}
+
+constexpr char ParameterBlockStart[] = "<ParameterBlock";
+constexpr char ParameterBlockEnd[] = "</ParameterBlock>";
+constexpr char ConfigurableDomainStart[] = "<ConfigurableDomain";
+constexpr char ConfigurableDomainEnd[] = "</ConfigurableDomain>";
+
+}  // namespace
+
+void CommentOutBlocks(LineFile& lines, const std::string& keyword, const std::string& startTag,
+                      const std::string& endTag)
+{
+    ToggleBlocks(lines, {State::Disabled, keyword, startTag, endTag});
+}
+
+void UncommentBlocks(LineFile& lines, const std::string& keyword, const std::string& startTag,
+                     const std::string& endTag)
+{
+    ToggleBlocks(lines, {State::Enabled, keyword, startTag, endTag});
+}
+
+void DisableParameterBlock(LineFile& lines, const std::string& name)
+{
+    CommentOutBlocks(lines, name, ParameterBlockStart, ParameterBlockEnd);
+}
+
+void EnableParameterBlock(LineFile& lines, const std::string& name)
+{
+    UncommentBlocks(lines, name, ParameterBlockStart, ParameterBlockEnd);
+}
+
+void DisableConfigurableDomain(LineFile& lines, const std::string& name)
+{
+    CommentOutBlocks(lines, name, ConfigurableDomainStart, ConfigurableDomainEnd);
+}
+
+void EnableConfigurableDomain(LineFile& lines, const std::string& name)
+{
+    UncommentBlocks(lines, name, ConfigurableDomainStart, ConfigurableDomainEnd);
+}
+
+}  // namespace qov

@@ -1,0 +1,74 @@
+#include "xmledit/QuotedValues.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace qov
+{
+
+void SetQuotedValue(LineFile& lines, const std::string& keyword, const std::string& tag, const std::string& value)
+{
+    bool keywordSeen = false;
+    bool tagSeen = false;
+    for (std::string& line : lines) {
+        if (!keyword.empty()) {
+            if (line.find(keyword) == std::string::npos)
+                continue;
+            keywordSeen = true;
+        }
+        const std::size_t tagStart = line.find(tag);
+        if (tagStart == std::string::npos)
+            continue;
+        tagSeen = true;
+        const std::size_t quote = line.find('"', tagStart);
+        if (quote == std::string::npos)
+            continue;
+        line.replace(tagStart, quote - tagStart, tag + value);
+        return;
+    }
+    if (!keyword.empty() && !keywordSeen)
+        throw std::runtime_error("No keyword found: " + tag);
+    if (!tagSeen)
+        throw std::runtime_error("No tag found: " + tag);
+    throw std::runtime_error("No closing quotation mark found for tag: " + tag);
+}
+
+void SetDeviceId(LineFile& lines, const std::string& value) { SetQuotedValue(lines, "", "DeviceId:", value); }
+
+void SetEndpointName(LineFile& lines, const std::string& value) { SetQuotedValue(lines, "", "EndpointName:", value); }
+
+void SetModuleGuid(LineFile& lines, const std::string& value) { SetQuotedValue(lines, "", "ModuleGuid:", value); }
+
+void SetModeParamIds(LineFile& lines, const std::string& defaultModeValue, const std::string& speechModeValue)
+{
+    SetQuotedValue(lines, "Subeffects_DefaultMode", "ParamId:", defaultModeValue);
+    SetQuotedValue(lines, "Subeffects_SpeechMode", "ParamId:", speechModeValue);
+}
+
+std::string NarrowText(const std::wstring& text)
+{
+    std::string narrow(text.size(), '\0');
+    std::transform(text.begin(), text.end(), narrow.begin(),
+                   [](wchar_t unit) { return static_cast<char>(static_cast<unsigned char>(unit & 0xFF)); });
+    return narrow;
+}
+
+std::string EscapeAmpersands(const std::string& text)
+{
+    std::string escaped;
+    for (const char byte : text) {
+        escaped += byte;
+        if (byte == '&')
+            escaped += "amp;";
+    }
+    return escaped;
+}
+
+std::string CommasToColons(const std::string& text)
+{
+    std::string replaced = text;
+    std::replace(replaced.begin(), replaced.end(), ',', ':');
+    return replaced;
+}
+
+}  // namespace qov

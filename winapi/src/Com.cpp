@@ -1,0 +1,155 @@
+// Apartments per thread and class objects per apartment.
+#include <objbase.h>
+
+#include "Internal.h"
+
+#include <map>
+#include <mutex>
+#include <thread>
+
+namespace
+{
+
+using winapi::internal::Intercepted;
+using winapi::internal::Unsupported;
+
+enum class Apartment { None, SingleThreaded, Multithreaded };
+
+struct ThreadState {
+    Apartment apartment = Apartment::None;
+    std::size_t joins = 0;
+};
+thread_local ThreadState thisThread;
+
+struct ClassObject {
+    CLSID classId;
+    IUnknown* factory;
+    DWORD context;
+    std::thread::id thread;  // of its single-threaded apartment; default for the multithreaded one
+};
+
+struct ComState {
+    std::mutex mutex;
+    std::size_t joins = 0;
+    std::size_t multithreadedJoins = 0;
+    std::map<DWORD, ClassObject> classObjects;
+    DWORD nextCookie = 1;
+};
+
+ComState& Com()
+{
+    static ComState state;
+    return state;
+}
+
+// A thread that joined no apartment belongs to the multithreaded one for as long as any thread holds that one.
+bool CurrentApartment(const ComState& com, std::thread::id& thread)
+{
+    thread = thisThread.apartment == Apartment::SingleThreaded ? std::this_thread::get_id() : std::thread::id();
+    return thisThread.apartment != Apartment::None || com.multithreadedJoins > 0;
+}
+
+}  // namespace
+
+void winapi::internal::CountCom(Holdings& holdings)
+{
+    const std::lock_guard lock(Com().mutex);
+    holdings.apartmentJoins = Com().joins;
+    holdings.classObjects = Com().classObjects.size();
+}
+
+HRESULT STDAPICALLTYPE CoInitializeEx(LPVOID reserved, DWORD apartment)
+{
+    if (reserved != nullptr ||
+        (apartment & ~static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) != 0)
+        Unsupported("CoInitializeEx", "reserved pointer or apartment flags");
+    if (const auto result = Intercepted("CoInitializeEx"))
+        return *result;
+    const Apartment wanted =
+        (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+    if (thisThread.joins > 0 && thisThread.apartment != wanted)
+        return RPC_E_CHANGED_MODE;
+    const std::lock_guard lock(Com().mutex);
+    ++Com().joins;
+    if (wanted == Apartment::Multithreaded)
+        ++Com().multithreadedJoins;
+    thisThread.apartment = wanted;
+    return ++thisThread.joins == 1 ? S_OK : S_FALSE;
+}
+
+void STDAPICALLTYPE CoUninitialize()
+{
+    if (thisThread.joins == 0)
+        Unsupported("CoUninitialize", "a thread that is in no apartment");
+    const std::lock_guard lock(Com().mutex);
+    --Com().joins;
+    if (thisThread.apartment == Apartment::Multithreaded)
+        --Com().multithreadedJoins;
+    if (--thisThread.joins == 0)
+        thisThread.apartment = Apartment::None;
+}
+
+HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD context, REFIID riid, LPVOID* object)
+{
+    if (outer != nullptr)
+        Unsupported("CoCreateInstance", "an outer object");
+    if (object == nullptr)
+        return E_POINTER;
+    *object = nullptr;
+    if (const auto result = Intercepted("CoCreateInstance"))
+        return *result;
+
+    IUnknown* registered = nullptr;
+    {
+        const std::lock_guard lock(Com().mutex);
+        std::thread::id thread;
+        if (!CurrentApartment(Com(), thread))
+            return CO_E_NOTINITIALIZED;
+        for (const auto& [cookie, candidate] : Com().classObjects)
+            if (candidate.classId == classId && candidate.thread == thread && (candidate.context & context) != 0)
+                registered = candidate.factory;
+        if (registered == nullptr)
+            return REGDB_E_CLASSNOTREG;
+        registered->AddRef();
+    }
+    void* factory = nullptr;
+    HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &factory);
+    registered->Release();
+    if (FAILED(result))
+        return result;
+    result = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, riid, object);
+    static_cast<IClassFactory*>(factory)->Release();
+    return result;
+}
+
+HRESULT STDAPICALLTYPE CoRegisterClassObject(REFCLSID classId, IUnknown* factory, DWORD context, DWORD flags,
+                                             LPDWORD cookie)
+{
+    if (context != CLSCTX_INPROC_SERVER || flags != REGCLS_MULTIPLEUSE)
+        Unsupported("CoRegisterClassObject", "a context or flags other than a multiple-use server in process");
+    if (const auto result = Intercepted("CoRegisterClassObject"))
+        return *result;
+    const std::lock_guard lock(Com().mutex);
+    std::thread::id thread;
+    if (!CurrentApartment(Com(), thread))
+        return CO_E_NOTINITIALIZED;
+    factory->AddRef();
+    *cookie = Com().nextCookie++;
+    Com().classObjects.emplace(*cookie, ClassObject{classId, factory, context, thread});
+    return S_OK;
+}
+
+HRESULT STDAPICALLTYPE CoRevokeClassObject(DWORD cookie)
+{
+    IUnknown* factory = nullptr;
+    {
+        const std::lock_guard lock(Com().mutex);
+        const auto found = Com().classObjects.find(cookie);
+        if (found == Com().classObjects.end())
+            return CO_E_OBJNOTREG;
+        factory = found->second.factory;
+        Com().classObjects.erase(found);
+    }
+    factory->Release();
+    return S_OK;
+}
