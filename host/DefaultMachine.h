@@ -4,8 +4,7 @@
 
 #include <optional>
 
-namespace host
-{
+namespace host {
 
 // The machine to simulate when the user names none, after saying so on standard error; none where the machine itself
 // has Windows' audio.

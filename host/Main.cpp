@@ -13,13 +13,11 @@
 #include <memory>
 #include <string>
 
-namespace
-{
+namespace {
 
 enum ExitCode : int { Success = 0, RunFailed = 1, WrongUsage = 2 };
 
-class ConsoleLogger final : public ILogger
-{
+class ConsoleLogger final : public ILogger {
 public:
     void Log(LogLevel level, const std::wstring& message) override
     {

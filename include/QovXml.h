@@ -14,8 +14,7 @@
 #define QOVXML_API __attribute__((visibility("default")))
 #endif
 
-class QOVXML_API QovXml
-{
+class QOVXML_API QovXml {
 public:
     // The three files to edit; each is read, edited and written back to the same path. Paths go unchanged to the C
     // runtime (on Windows they are read in the active code page).

@@ -4,11 +4,9 @@
 #include <cassert>
 #include <iterator>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view WindowsFunctions[] = {
     "CoInitializeEx",   "CoCreateInstance", "CLSIDFromString",    "StringFromCLSID",

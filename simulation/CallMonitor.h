@@ -9,8 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace simulation
-{
+namespace simulation {
 
 struct CallRecord {
     std::string call;       // "Interface::Method", or the name of a Windows function
@@ -19,8 +18,7 @@ struct CallRecord {
     LONG result = 0;        // what the simulated object answered; 0 for a Windows function that was not made to fail
 };
 
-class CallMonitor
-{
+class CallMonitor {
 public:
     explicit CallMonitor(std::vector<Fault> faults) : faults_(std::move(faults)) {}
 

@@ -11,8 +11,7 @@
 #include <string>
 #include <utility>
 
-namespace simulation
-{
+namespace simulation {
 
 // The machine that the objects stand for; it lives as long as one of them does.
 struct MachineState {
@@ -27,8 +26,7 @@ using MachinePtr = std::shared_ptr<MachineState>;
 inline std::atomic<long> liveComObjects = 0;
 
 template <class First, class... Others>
-class ComObject : public First, public Others...
-{
+class ComObject : public First, public Others... {
 public:
     ComObject(const ComObject&) = delete;
     ComObject& operator=(const ComObject&) = delete;

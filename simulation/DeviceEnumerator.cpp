@@ -7,8 +7,7 @@
 #include <algorithm>
 #include <array>
 
-namespace simulation
-{
+namespace simulation {
 
 HRESULT HandOutText(const std::wstring& text, LPWSTR* place)
 {
@@ -21,8 +20,7 @@ HRESULT HandOutText(const std::wstring& text, LPWSTR* place)
     return S_OK;
 }
 
-namespace
-{
+namespace {
 
 constexpr PROPERTYKEY FriendlyName{{0xa45c254e, 0xdf1c, 0x4efd, {0x80, 0x20, 0x67, 0xd1, 0x46, 0xa8, 0x50, 0xe0}}, 14};
 constexpr PROPERTYKEY EndpointGuid{{0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 4};
@@ -34,8 +32,7 @@ bool SameKey(REFPROPERTYKEY left, REFPROPERTYKEY right)
 
 std::string NameOf(const Endpoint& endpoint) { return Utf16ToUtf8(endpoint.deviceId); }
 
-class PropertyStore final : public ComObject<IPropertyStore>
-{
+class PropertyStore final : public ComObject<IPropertyStore> {
 public:
     PropertyStore(MachinePtr machine, const Endpoint& endpoint) : ComObject(std::move(machine)), endpoint_(endpoint) {}
 
@@ -64,8 +61,7 @@ private:
     const Endpoint& endpoint_;
 };
 
-class Device final : public ComObject<IMMDevice, IMMEndpoint>
-{
+class Device final : public ComObject<IMMDevice, IMMEndpoint> {
 public:
     Device(MachinePtr machine, const Endpoint& endpoint) : ComObject(std::move(machine)), endpoint_(endpoint) {}
 
@@ -99,8 +95,7 @@ private:
     const Endpoint& endpoint_;
 };
 
-class DeviceCollection final : public ComObject<IMMDeviceCollection>
-{
+class DeviceCollection final : public ComObject<IMMDeviceCollection> {
 public:
     DeviceCollection(MachinePtr machine, std::vector<const Endpoint*> endpoints)
         : ComObject(std::move(machine)), endpoints_(std::move(endpoints))
@@ -127,8 +122,7 @@ private:
     std::vector<const Endpoint*> endpoints_;
 };
 
-class DeviceEnumerator final : public ComObject<IMMDeviceEnumerator>
-{
+class DeviceEnumerator final : public ComObject<IMMDeviceEnumerator> {
 public:
     explicit DeviceEnumerator(MachinePtr machine) : ComObject(std::move(machine)) {}
 
@@ -158,8 +152,7 @@ public:
     }
 };
 
-class EnumeratorFactory final : public ComObject<IClassFactory>
-{
+class EnumeratorFactory final : public ComObject<IClassFactory> {
 public:
     explicit EnumeratorFactory(MachinePtr machine) : ComObject(std::move(machine)) {}
 

@@ -3,8 +3,7 @@
 
 #include "ComObject.h"
 
-namespace simulation
-{
+namespace simulation {
 
 // A class object for the device enumerator, with one reference for the caller.
 IClassFactory* MakeDeviceEnumeratorFactory(MachinePtr machine);

@@ -4,8 +4,7 @@
 #include <set>
 #include <stdexcept>
 
-namespace simulation
-{
+namespace simulation {
 
 using nlohmann::json;
 

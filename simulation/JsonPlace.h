@@ -9,11 +9,9 @@
 #include <string>
 #include <vector>
 
-namespace simulation
-{
+namespace simulation {
 
-class JsonPlace
-{
+class JsonPlace {
 public:
     // `source` names the document in failures.
     static JsonPlace Root(const nlohmann::json& document, const std::string& source) { return {document, source, ""}; }

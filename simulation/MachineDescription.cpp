@@ -4,11 +4,9 @@
 
 #include <cstdio>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 std::wstring FormatGuid(const GUID& guid, const char* format)
 {

@@ -10,8 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace simulation
-{
+namespace simulation {
 
 using Bytes = std::vector<std::uint8_t>;
 

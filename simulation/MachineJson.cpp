@@ -14,11 +14,9 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 // The value that a name stands for.
 template <class Value>

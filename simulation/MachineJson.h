@@ -5,8 +5,7 @@
 
 #include <string>
 
-namespace simulation
-{
+namespace simulation {
 
 // Throws std::runtime_error with the file, the place in it (a JSON pointer, or line and column) and the reason, for a
 // text that is malformed and for a description that contradicts itself.

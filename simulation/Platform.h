@@ -4,13 +4,11 @@
 #include "CallMonitor.h"
 #include "MachineDescription.h"
 
-namespace simulation
-{
+namespace simulation {
 
 // While it lives, the system reports the machine's Windows version, and the monitor sees every call of a Windows
 // function. Throws std::runtime_error when this system cannot do what the machine asks for.
-class PlatformScope
-{
+class PlatformScope {
 public:
     PlatformScope(const MachineDescription& machine, CallMonitor& calls);
     PlatformScope(const PlatformScope&) = delete;

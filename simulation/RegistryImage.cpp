@@ -4,11 +4,9 @@
 #include <stdexcept>
 #include <string>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 void Check(LSTATUS result, const char* function)
 {
@@ -17,8 +15,7 @@ void Check(LSTATUS result, const char* function)
                                  std::to_string(result));
 }
 
-class WritableKey
-{
+class WritableKey {
 public:
     WritableKey(HKEY parent, const std::wstring& path)
     {

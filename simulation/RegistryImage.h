@@ -5,13 +5,11 @@
 
 #include <string>
 
-namespace simulation
-{
+namespace simulation {
 
 // While it lives, a volatile key of its own stands in the place of HKEY_LOCAL_MACHINE for this process and holds the
 // endpoints of the machine. Throws std::runtime_error when the registry refuses.
-class RegistryImage
-{
+class RegistryImage {
 public:
     explicit RegistryImage(const MachineDescription& machine);
     RegistryImage(const RegistryImage&) = delete;

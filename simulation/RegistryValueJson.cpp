@@ -7,11 +7,9 @@
 #include <limits>
 #include <sstream>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 struct TypeRow {
     const char* name;

@@ -5,8 +5,7 @@
 
 #include <vector>
 
-namespace simulation
-{
+namespace simulation {
 
 // The values of one registry key, by name: a text (REG_SZ), a number (REG_DWORD), or an object that names the type and
 // gives the data as text, number or bytes.

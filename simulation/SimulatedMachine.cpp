@@ -7,8 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace simulation
-{
+namespace simulation {
 
 SimulatedMachine::SimulatedMachine(MachineDescription description)
     : state_(std::make_shared<MachineState>(std::move(description))),

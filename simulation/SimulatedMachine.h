@@ -11,14 +11,12 @@
 #include <thread>
 #include <vector>
 
-namespace simulation
-{
+namespace simulation {
 
 // While it lives, this process sees the described machine: the device enumerator of the multithreaded COM apartment
 // lists its endpoints, and HKEY_LOCAL_MACHINE holds its registry. One at a time. The thread that makes it joins no
 // apartment. Throws std::runtime_error when the system refuses.
-class SimulatedMachine
-{
+class SimulatedMachine {
 public:
     explicit SimulatedMachine(MachineDescription description);
     SimulatedMachine(const SimulatedMachine&) = delete;
@@ -30,8 +28,7 @@ public:
 
 private:
     // Holds the class object in the multithreaded apartment, from a thread of its own.
-    class ClassObjectHost
-    {
+    class ClassObjectHost {
     public:
         explicit ClassObjectHost(MachinePtr machine);
         ClassObjectHost(const ClassObjectHost&) = delete;

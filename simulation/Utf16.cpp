@@ -2,11 +2,9 @@
 
 #include <cstdint>
 
-namespace simulation
-{
+namespace simulation {
 
-namespace
-{
+namespace {
 
 constexpr char32_t ReplacementCharacter = 0xFFFD;
 

@@ -4,8 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace simulation
-{
+namespace simulation {
 
 // `text` is well-formed UTF-8.
 std::wstring Utf8ToUtf16(std::string_view text);

@@ -2,8 +2,7 @@
 
 #include "WinApiControl.h"
 
-namespace simulation
-{
+namespace simulation {
 
 PlatformScope::PlatformScope(const MachineDescription& machine, CallMonitor& calls)
 {

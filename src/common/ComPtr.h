@@ -5,13 +5,11 @@
 #include <cassert>
 #include <utility>
 
-namespace qov
-{
+namespace qov {
 
 // Counted reference to a COM interface.
 template <class Interface>
-class ComPtr
-{
+class ComPtr {
 public:
     ComPtr() = default;
     ComPtr(const ComPtr& other) : pointer_(other.pointer_)

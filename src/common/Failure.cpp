@@ -5,8 +5,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-namespace qov
-{
+namespace qov {
 
 void Fail(const std::string& message) { throw std::runtime_error(message); }
 

@@ -5,8 +5,7 @@
 
 #include <string>
 
-namespace qov
-{
+namespace qov {
 
 [[noreturn]] void Fail(const std::string& message);
 

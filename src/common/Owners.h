@@ -10,12 +10,10 @@
 #include <string>
 #include <utility>
 
-namespace qov
-{
+namespace qov {
 
 // An open registry key.
-class RegistryKey
-{
+class RegistryKey {
 public:
     RegistryKey() = default;
     RegistryKey(RegistryKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
@@ -48,8 +46,7 @@ private:
 };
 
 // A text that a COM call allocated as task memory.
-class TaskText
-{
+class TaskText {
 public:
     TaskText() = default;
     TaskText(const TaskText&) = delete;
@@ -70,8 +67,7 @@ private:
 };
 
 // A property value.
-class PropertyValue
-{
+class PropertyValue {
 public:
     PropertyValue() { PropVariantInit(&value_); }
     PropertyValue(const PropertyValue&) = delete;

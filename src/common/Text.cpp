@@ -4,8 +4,7 @@
 #include <charconv>
 #include <iterator>
 
-namespace qov
-{
+namespace qov {
 
 std::string HexText(std::uint32_t value)
 {

@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qov
-{
+namespace qov {
 
 // Lower-case hexadecimal without leading zeros.
 std::string HexText(std::uint32_t value);

@@ -7,11 +7,9 @@
 
 #include <mmdeviceapi.h>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 GUID ReadAndLogEndpoint(IMMDevice& endpoint, UINT index, ILogger& logger)
 {

@@ -9,8 +9,7 @@
 
 #include <vector>
 
-namespace qov
-{
+namespace qov {
 
 // The platform's PKEY_Device_FriendlyName and PKEY_AudioEndpoint_GUID.
 constexpr PROPERTYKEY FriendlyNameKey{{0xa45c254e, 0xdf1c, 0x4efd, {0x80, 0x20, 0x67, 0xd1, 0x46, 0xa8, 0x50, 0xe0}},

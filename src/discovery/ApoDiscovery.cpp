@@ -12,11 +12,9 @@
 #include <optional>
 #include <string>
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
-namespace
-{
+namespace {
 
 // Registry value names are the text form of the platform's effect property keys: PKEY_FX_PreMixEffectClsid,
 // PostMixEffectClsid, StreamEffectClsid, ModeEffectClsid and EndpointEffectClsid, indexed by ModuleType.

@@ -6,8 +6,7 @@
 
 #include <cstdint>
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
 // Endpoint by endpoint (see GetAllAudioEndpoints), the effects of the slots LFX, GFX, SFX, MFX, EFX and then those of
 // the wrapped APO list, a vendor's registry value: "CLSID,property id;CLSID,property id;...".

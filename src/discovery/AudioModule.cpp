@@ -3,11 +3,9 @@
 #include <cstddef>
 #include <iterator>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 constexpr const wchar_t* LocationTexts[] = {L"Unknown", L"FW", L"APO"};
 constexpr const wchar_t* TypeTexts[] = {L"LFX", L"GFX", L"SFX", L"MFX", L"EFX"};

@@ -11,8 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace qov
-{
+namespace qov {
 
 enum class ModuleLocation : std::int32_t { Unknown = 0, FW = 1, APO = 2 };
 // The effect slot of a module.

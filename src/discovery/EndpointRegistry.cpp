@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <cstring>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 constexpr wchar_t RenderEndpointsKey[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Render";
 constexpr wchar_t CaptureEndpointsKey[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Capture";

@@ -13,8 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace qov
-{
+namespace qov {
 
 enum class EndpointPropertyKind : std::int32_t { Properties = 0, FxProperties = 1 };
 

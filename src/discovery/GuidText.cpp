@@ -7,8 +7,7 @@
 #include <cwchar>
 #include <sstream>
 
-namespace qov
-{
+namespace qov {
 
 std::wstring GuidToText(const GUID& guid)
 {

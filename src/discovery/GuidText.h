@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace qov
-{
+namespace qov {
 
 using Bytes = std::vector<std::uint8_t>;
 

@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <sstream>
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
-namespace
-{
+namespace {
 
 void WriteModule(std::wostream& report, const AudioModule& module, std::int32_t number)
 {

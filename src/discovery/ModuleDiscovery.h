@@ -3,8 +3,7 @@
 #include "ILogger.h"
 #include "discovery/AudioModule.h"
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
 // Every audio processing module of the machine: the firmware modules, then the APOs. COM is initialised on this thread.
 // Throws what DiscoverFwModules and DiscoverApoModules throw.

@@ -1,7 +1,6 @@
 #include "fwdiscovery/FwDiscovery.h"
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
 ModuleList DiscoverFwModules(ILogger& logger)
 {

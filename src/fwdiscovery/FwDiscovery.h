@@ -4,8 +4,7 @@
 #include "ILogger.h"
 #include "discovery/AudioModule.h"
 
-namespace qov::AudioModulesUtils
-{
+namespace qov::AudioModulesUtils {
 
 // The firmware modules of the active endpoints, in the order in which they are found.
 ModuleList DiscoverFwModules(ILogger& logger);

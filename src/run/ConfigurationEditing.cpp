@@ -8,11 +8,9 @@
 
 #include <initializer_list>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 using EditBlock = void (*)(LineFile& lines, const std::string& name);
 

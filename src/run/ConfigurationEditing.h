@@ -6,8 +6,7 @@
 #include "QovXml.h"
 #include "run/ModuleValidation.h"
 
-namespace qov
-{
+namespace qov {
 
 // Throws what ReadLineFile, SetQuotedValue, CommentOutBlocks and UncommentBlocks throw; the file under edit is then not
 // written. Each step is logged before it is done, so the last line names the step that failed.

@@ -8,11 +8,9 @@
 #include <iterator>
 #include <string>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 constexpr std::size_t MaxSpatialfModules = 3;
 

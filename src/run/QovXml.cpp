@@ -7,12 +7,10 @@
 
 #include <objbase.h>
 
-namespace
-{
+namespace {
 
 // Joins the multithreaded apartment for a run. Every object that holds a COM interface must go before it.
-class ComInitGuard
-{
+class ComInitGuard {
 public:
     ComInitGuard()
     {

@@ -5,11 +5,9 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 constexpr std::string_view CommentStart = "<!--";
 constexpr std::string_view CommentEnd = "-->";

@@ -9,8 +9,7 @@
 
 #include <string>
 
-namespace qov
-{
+namespace qov {
 
 // Toggles every block that holds the keyword, in file order, until one is met that is in the wanted state already. The
 // block of a keyword runs from the nearest start tag at or above it to the nearest end tag at or below it; the tags are

@@ -5,11 +5,9 @@
 #include <memory>
 #include <stdexcept>
 
-namespace qov
-{
+namespace qov {
 
-namespace
-{
+namespace {
 
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace qov
-{
+namespace qov {
 
 // One element per line, without its line end.
 using LineFile = std::vector<std::string>;

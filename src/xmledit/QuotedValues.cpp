@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace qov
-{
+namespace qov {
 
 void SetQuotedValue(LineFile& lines, const std::string& keyword, const std::string& tag, const std::string& value)
 {

@@ -6,8 +6,7 @@
 
 #include <string>
 
-namespace qov
-{
+namespace qov {
 
 // Replaces the value on the first line that holds the keyword (any line, for an empty keyword), the tag, and a double
 // quote after the tag. Throws, with the tag behind it and the lines unchanged: "No keyword found: ", "No tag found: ",

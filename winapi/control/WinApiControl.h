@@ -8,8 +8,7 @@
 #include <functional>
 #include <optional>
 
-namespace winapi
-{
+namespace winapi {
 
 // Called on entry of every fallible function with its name. A value makes the function do nothing but give that
 // result (a Windows error code or an HRESULT, as the function returns; for VerifyVersionInfoW the last error, with

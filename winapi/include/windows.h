@@ -53,8 +53,7 @@ inline bool IsEqualGUID(REFGUID left, REFGUID right) { return std::memcmp(&left,
 inline bool operator==(REFGUID left, REFGUID right) { return IsEqualGUID(left, right); }
 
 // `__uuidof` is a keyword of Windows compilers; here every interface header specialises this template.
-namespace winapi
-{
+namespace winapi {
 template <class Interface>
 struct UuidOf;
 }

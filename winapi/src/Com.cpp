@@ -7,8 +7,7 @@
 #include <mutex>
 #include <thread>
 
-namespace
-{
+namespace {
 
 using winapi::internal::Intercepted;
 using winapi::internal::Unsupported;

@@ -4,8 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace
-{
+namespace {
 
 winapi::CallHook& Hook()
 {
@@ -20,8 +19,7 @@ thread_local DWORD lastError = 0;
 DWORD WINAPI GetLastError() { return lastError; }
 void WINAPI SetLastError(DWORD code) { lastError = code; }
 
-namespace winapi
-{
+namespace winapi {
 
 void SetCallHook(CallHook hook) { Hook() = std::move(hook); }
 
@@ -34,8 +32,7 @@ Holdings CurrentHoldings()
     return holdings;
 }
 
-namespace internal
-{
+namespace internal {
 
 std::optional<LONG> Intercepted(const char* name) { return Hook() ? Hook()(name) : std::nullopt; }
 

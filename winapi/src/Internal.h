@@ -3,8 +3,7 @@
 
 #include "WinApiControl.h"
 
-namespace winapi::internal
-{
+namespace winapi::internal {
 
 // The result that the hook asks the function `name` to give, if any.
 std::optional<LONG> Intercepted(const char* name);

@@ -9,8 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace
-{
+namespace {
 
 using winapi::internal::Intercepted;
 using winapi::internal::Unsupported;
@@ -36,8 +35,7 @@ struct Key {
 };
 using KeyPtr = std::shared_ptr<Key>;
 
-class Registry
-{
+class Registry {
 public:
     static Registry& Instance()
     {

@@ -9,8 +9,7 @@
 #include <string>
 #include <unordered_set>
 
-namespace
-{
+namespace {
 
 using winapi::internal::Intercepted;
 using winapi::internal::Unsupported;

@@ -1,7 +1,6 @@
 #include "Internal.h"
 
-namespace
-{
+namespace {
 
 winapi::WindowsVersion& Reported()
 {
