@@ -18,9 +18,35 @@ constexpr std::string_view Methods[] = {
     "IMMDeviceEnumerator::EnumAudioEndpoints",
     "IMMDeviceCollection::GetCount",
     "IMMDeviceCollection::Item",
+    "IMMDeviceEnumerator::GetDevice",
+    "IMMDevice::Activate",
     "IMMDevice::GetId",
     "IMMDevice::OpenPropertyStore",
+    "IMMDevice::QueryInterface",
+    "IMMEndpoint::GetDataFlow",
     "IPropertyStore::GetValue",
+    "IDeviceTopology::GetConnector",
+    "IDeviceTopology::GetConnectorCount",
+    "IDeviceTopology::GetDeviceId",
+    "IDeviceTopology::GetSignalPath",
+    "IPart::Activate",
+    "IPart::EnumPartsIncoming",
+    "IPart::EnumPartsOutgoing",
+    "IPart::GetLocalId",
+    "IPart::GetPartType",
+    "IPart::GetTopologyObject",
+    "IPart::QueryInterface",
+    "IPartsList::GetCount",
+    "IPartsList::GetPart",
+    "IConnector::GetConnectedTo",
+    "IConnector::GetConnectorIdConnectedTo",
+    "IConnector::GetDeviceIdConnectedTo",
+    "IConnector::GetType",
+    "IConnector::IsConnected",
+    "IConnector::QueryInterface",
+    "IAudioInputSelector::SetSelection",
+    "IAudioOutputSelector::SetSelection",
+    "IKsControl::KsProperty",
 };
 
 template <class Names>
@@ -34,7 +60,7 @@ bool Contains(const Names& names, std::string_view call)
 std::optional<LONG> CallMonitor::EnterFunction(std::string_view call)
 {
     const std::size_t record = Begin(call, {}, {});
-    const std::optional<LONG> fault = FaultOf(calls_[record].call);
+    const std::optional<LONG> fault = FaultOf(calls_[record]);
     calls_[record].result = fault.value_or(0);
     return fault;
 }
@@ -46,12 +72,17 @@ std::size_t CallMonitor::Begin(std::string_view call, const std::string& object,
     return calls_.size() - 1;
 }
 
-std::optional<LONG> CallMonitor::FaultOf(const std::string& call)
+std::optional<LONG> CallMonitor::FaultOf(const CallRecord& record) const
 {
-    const unsigned count = ++counts_[call];
-    for (const Fault& fault : faults_)
-        if (fault.call == call && fault.occurrence.value_or(count) == count)
+    for (const Fault& fault : faults_) {
+        if (fault.call != record.call || (!fault.object.empty() && fault.object != record.object))
+            continue;
+        const auto count = std::count_if(calls_.begin(), calls_.end(), [&](const CallRecord& earlier) {
+            return earlier.call == fault.call && (fault.object.empty() || earlier.object == fault.object);
+        });
+        if (!fault.occurrence || count == static_cast<std::ptrdiff_t>(*fault.occurrence))
             return fault.result;
+    }
     return std::nullopt;
 }
 

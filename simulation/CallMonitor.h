@@ -3,7 +3,6 @@
 
 #include "MachineDescription.h"
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,7 +29,7 @@ public:
     HRESULT Method(std::string_view call, const std::string& object, const std::string& arguments, Body body)
     {
         const std::size_t record = Begin(call, object, arguments);
-        const std::optional<LONG> fault = FaultOf(calls_[record].call);
+        const std::optional<LONG> fault = FaultOf(calls_[record]);
         // The body may make calls of its own: the record is found again by its place.
         const HRESULT result = fault ? *fault : body();
         calls_[record].result = result;
@@ -41,11 +40,10 @@ public:
 
 private:
     std::size_t Begin(std::string_view call, const std::string& object, const std::string& arguments);
-    std::optional<LONG> FaultOf(const std::string& call);
+    std::optional<LONG> FaultOf(const CallRecord& record) const;
 
     std::vector<Fault> faults_;
     std::vector<CallRecord> calls_;
-    std::map<std::string, unsigned, std::less<>> counts_;
 };
 
 // Whether a fault can name this call: a typing error must not read as "never fails".

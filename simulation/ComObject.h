@@ -7,6 +7,7 @@
 #include <objbase.h>
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -19,6 +20,7 @@ struct MachineState {
 
     const MachineDescription description;
     CallMonitor calls;
+    std::map<PartAddress, UINT> selections;  // what the selectors were switched to last
 };
 using MachinePtr = std::shared_ptr<MachineState>;
 

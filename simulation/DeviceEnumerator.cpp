@@ -1,11 +1,11 @@
 #include "DeviceEnumerator.h"
 
+#include "Topology.h"
 #include "Utf16.h"
 
 #include <mmdeviceapi.h>
 
 #include <algorithm>
-#include <array>
 
 namespace simulation {
 
@@ -61,24 +61,66 @@ private:
     const Endpoint& endpoint_;
 };
 
-class Device final : public ComObject<IMMDevice, IMMEndpoint> {
+// What every device has, whether endpoint or adapter.
+template <class... Interfaces>
+class DeviceBase : public ComObject<IMMDevice, Interfaces...> {
 public:
-    Device(MachinePtr machine, const Endpoint& endpoint) : ComObject(std::move(machine)), endpoint_(endpoint) {}
-
-    HRESULT STDMETHODCALLTYPE Activate(REFIID, DWORD, PROPVARIANT*, void** object) override
+    DeviceBase(MachinePtr machine, const std::wstring& id, const TopologyDescription& topology)
+        : ComObject<IMMDevice, Interfaces...>(std::move(machine)),
+          id_(id),
+          topology_(topology),
+          object_(Utf16ToUtf8(id))
     {
-        *object = nullptr;
-        return E_NOINTERFACE;
     }
-    HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD access, IPropertyStore** store) override
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override
     {
-        return Recorded("IMMDevice::OpenPropertyStore", NameOf(endpoint_), std::to_string(access), [&] {
-            return access == STGM_READ ? HandOut(new PropertyStore(SharedMachine(), endpoint_), store) : E_INVALIDARG;
+        return this->Recorded("IMMDevice::QueryInterface", object_, {}, [&] { return this->Query(riid, object); });
+    }
+    HRESULT STDMETHODCALLTYPE Activate(REFIID riid, DWORD context, PROPVARIANT* parameters, void** object) override
+    {
+        const bool topology = IsEqualGUID(riid, __uuidof(IDeviceTopology));
+        const bool ksControl = IsEqualGUID(riid, __uuidof(IKsControl));
+        const char* const arguments = topology ? "IDeviceTopology" : ksControl ? "IKsControl" : "";
+        return this->Recorded("IMMDevice::Activate", object_, arguments, [&]() -> HRESULT {
+            *object = nullptr;
+            if (context != CLSCTX_ALL || parameters != nullptr)
+                return E_INVALIDARG;
+            if (topology)
+                *object = MakeTopology(this->SharedMachine(), id_, topology_);
+            else if (ksControl)
+                *object = ActivateKsControl();
+            return *object == nullptr ? E_NOINTERFACE : S_OK;
         });
     }
     HRESULT STDMETHODCALLTYPE GetId(LPWSTR* id) override
     {
-        return Recorded("IMMDevice::GetId", NameOf(endpoint_), {}, [&] { return HandOutText(endpoint_.deviceId, id); });
+        return this->Recorded("IMMDevice::GetId", object_, {}, [&] { return HandOutText(id_, id); });
+    }
+
+protected:
+    [[nodiscard]] const std::string& Object() const { return object_; }
+
+private:
+    virtual IKsControl* ActivateKsControl() { return nullptr; }
+
+    const std::wstring& id_;
+    const TopologyDescription& topology_;
+    const std::string object_;
+};
+
+class EndpointDevice final : public DeviceBase<IMMEndpoint> {
+public:
+    EndpointDevice(MachinePtr machine, const Endpoint& endpoint)
+        : DeviceBase(std::move(machine), endpoint.deviceId, endpoint.topology), endpoint_(endpoint)
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD access, IPropertyStore** store) override
+    {
+        return Recorded("IMMDevice::OpenPropertyStore", Object(), std::to_string(access), [&] {
+            return access == STGM_READ ? HandOut(new PropertyStore(SharedMachine(), endpoint_), store) : E_INVALIDARG;
+        });
     }
     HRESULT STDMETHODCALLTYPE GetState(DWORD* state) override
     {
@@ -87,12 +129,37 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetDataFlow(EDataFlow* flow) override
     {
-        *flow = endpoint_.flow;
-        return S_OK;
+        return Recorded("IMMEndpoint::GetDataFlow", Object(), {}, [&] {
+            *flow = endpoint_.flow;
+            return S_OK;
+        });
     }
 
 private:
     const Endpoint& endpoint_;
+};
+
+class AdapterDeviceObject final : public DeviceBase<> {
+public:
+    AdapterDeviceObject(MachinePtr machine, const AdapterDevice& device)
+        : DeviceBase(std::move(machine), device.id, device.topology), device_(device)
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetState(DWORD* state) override
+    {
+        *state = DEVICE_STATE_ACTIVE;
+        return S_OK;
+    }
+
+private:
+    IKsControl* ActivateKsControl() override
+    {
+        return device_.filter ? MakeKsControl(SharedMachine(), device_) : nullptr;
+    }
+
+    const AdapterDevice& device_;
 };
 
 class DeviceCollection final : public ComObject<IMMDeviceCollection> {
@@ -114,7 +181,7 @@ public:
         return Recorded("IMMDeviceCollection::Item", {}, std::to_string(index), [&]() -> HRESULT {
             if (index >= endpoints_.size())
                 return E_INVALIDARG;
-            return HandOut(new Device(SharedMachine(), *endpoints_[index]), device);
+            return HandOut(new EndpointDevice(SharedMachine(), *endpoints_[index]), device);
         });
     }
 
@@ -141,7 +208,18 @@ public:
         });
     }
     HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow, ERole, IMMDevice**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR, IMMDevice**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR id, IMMDevice** device) override
+    {
+        return Recorded("IMMDeviceEnumerator::GetDevice", Utf16ToUtf8(id), {}, [&]() -> HRESULT {
+            for (const Endpoint& endpoint : Machine().description.endpoints)
+                if (endpoint.deviceId == id)
+                    return HandOut(new EndpointDevice(SharedMachine(), endpoint), device);
+            for (const AdapterDevice& adapter : Machine().description.devices)
+                if (adapter.id == id)
+                    return HandOut(new AdapterDeviceObject(SharedMachine(), adapter), device);
+            return E_NOTFOUND;
+        });
+    }
     HRESULT STDMETHODCALLTYPE RegisterEndpointNotificationCallback(IMMNotificationClient*) override
     {
         return E_NOTIMPL;

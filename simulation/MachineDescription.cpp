@@ -30,6 +30,13 @@ Bytes TextData(const std::wstring& text, unsigned terminators)
     return data;
 }
 
+TopologyDescription UnconnectedTopology()
+{
+    PartDescription connector;
+    connector.connectorType = Physical_External;
+    return {{connector}, {}};
+}
+
 std::wstring LowerGuidText(const GUID& guid)
 {
     return FormatGuid(guid, "{%08x-%04x-%04x-%02x%02x-%02x%02x%02x%02x%02x%02x}");

@@ -1,6 +1,8 @@
 // A simulated machine as plain data. Wide texts are UTF-16.
 #pragma once
 
+#include "TopologyDescription.h"
+
 #include <windows.h>
 
 #include <mmdeviceapi.h>
@@ -11,8 +13,6 @@
 #include <vector>
 
 namespace simulation {
-
-using Bytes = std::vector<std::uint8_t>;
 
 struct WindowsVersion {
     WORD major = 10;
@@ -33,13 +33,17 @@ Bytes TextData(const std::wstring& text, unsigned terminators = 1);
 std::wstring LowerGuidText(const GUID& guid);
 std::wstring UpperGuidText(const GUID& guid);
 
+// What an endpoint has whose topology is not described: one connector, connected to nothing.
+TopologyDescription UnconnectedTopology();
+
 struct Endpoint {
     GUID guid{};
     EDataFlow flow = eRender;
     DWORD state = DEVICE_STATE_ACTIVE;
     std::wstring deviceId;  // the platform's id of the endpoint device
     std::wstring friendlyName;
-    std::wstring guidPropertyText;                           // what PKEY_AudioEndpoint_GUID holds
+    std::wstring guidPropertyText;  // what PKEY_AudioEndpoint_GUID holds
+    TopologyDescription topology = UnconnectedTopology();
     bool registered = true;                                  // whether it has a key in the registry
     std::optional<std::vector<RegistryValue>> properties;    // none: there is no `Properties` key
     std::optional<std::vector<RegistryValue>> fxProperties;  // none: there is no `FxProperties` key
@@ -48,16 +52,19 @@ struct Endpoint {
 // The id that Windows would give the endpoint's device.
 std::wstring DefaultDeviceId(const Endpoint& endpoint);
 
-// Makes a call fail: "Interface::Method" of the simulated objects, or the name of a Windows function.
+// Makes a call fail: "Interface::Method" of the simulated objects, or the name of a Windows function. An endpoint or
+// device goes by its device id, a part by the device id, "/" and its local id in decimal.
 struct Fault {
     std::string call;
-    std::optional<unsigned> occurrence;  // counts the calls of that name from 1; none: every call
+    std::string object{};                  // empty: any object
+    std::optional<unsigned> occurrence{};  // counts the calls of that name (on that object) from 1; none: every call
     LONG result = 0;
 };
 
 struct MachineDescription {
     WindowsVersion windowsVersion;
-    std::vector<Endpoint> endpoints;              // in the order in which the device enumerator lists them
+    std::vector<Endpoint> endpoints;  // in the order in which the device enumerator lists them
+    std::vector<AdapterDevice> devices;
     std::vector<std::wstring> furtherRenderKeys;  // subkeys of the endpoint keys that belong to no endpoint
     std::vector<std::wstring> furtherCaptureKeys;
     std::vector<Fault> faults;

@@ -2,14 +2,14 @@
 
 #include "CallMonitor.h"
 #include "JsonPlace.h"
+#include "JsonValues.h"
 #include "RegistryValueJson.h"
+#include "TopologyJson.h"
 #include "Utf16.h"
 
-#include <objbase.h>
-
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <map>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -17,30 +17,6 @@
 namespace simulation {
 
 namespace {
-
-// The value that a name stands for.
-template <class Value>
-Value Named(const JsonPlace& place, const std::map<std::string, Value>& names)
-{
-    const auto found = names.find(place.Text());
-    if (found != names.end())
-        return found->second;
-    std::string list;
-    for (const auto& [name, value] : names)
-        list += (list.empty() ? "\"" : ", \"") + name + "\"";
-    place.Refuse("must be one of " + list);
-}
-
-std::wstring WideText(const JsonPlace& place) { return Utf8ToUtf16(place.Text()); }
-
-GUID ReadGuid(const JsonPlace& place)
-{
-    GUID guid{};
-    const std::wstring text = WideText(place);
-    if (text.empty() || text.front() != L'{' || FAILED(CLSIDFromString(text.c_str(), &guid)))
-        place.Refuse("must be a GUID in braces");
-    return guid;
-}
 
 WindowsVersion ReadVersion(const JsonPlace& place)
 {
@@ -56,21 +32,23 @@ WindowsVersion ReadVersion(const JsonPlace& place)
 
 Endpoint ReadEndpoint(const JsonPlace& place)
 {
-    place.AllowOnly({"guid", "flow", "state", "deviceId", "friendlyName", "guidPropertyText", "registered",
+    place.AllowOnly({"guid", "flow", "state", "deviceId", "friendlyName", "guidPropertyText", "topology", "registered",
                      "properties", "fxProperties"});
     Endpoint endpoint;
     endpoint.guid = ReadGuid(place.Required("guid"));
-    endpoint.flow = Named<EDataFlow>(place.Required("flow"), {{"render", eRender}, {"capture", eCapture}});
+    endpoint.flow = ReadNamed<EDataFlow>(place.Required("flow"), {{"render", eRender}, {"capture", eCapture}});
     if (const auto state = place.Optional("state"))
-        endpoint.state = Named<DWORD>(*state, {{"active", DEVICE_STATE_ACTIVE},
-                                               {"disabled", DEVICE_STATE_DISABLED},
-                                               {"notPresent", DEVICE_STATE_NOTPRESENT},
-                                               {"unplugged", DEVICE_STATE_UNPLUGGED}});
-    endpoint.friendlyName = WideText(place.Required("friendlyName"));
+        endpoint.state = ReadNamed<DWORD>(*state, {{"active", DEVICE_STATE_ACTIVE},
+                                                   {"disabled", DEVICE_STATE_DISABLED},
+                                                   {"notPresent", DEVICE_STATE_NOTPRESENT},
+                                                   {"unplugged", DEVICE_STATE_UNPLUGGED}});
+    endpoint.friendlyName = ReadWideText(place.Required("friendlyName"));
     const auto deviceId = place.Optional("deviceId");
-    endpoint.deviceId = deviceId ? WideText(*deviceId) : DefaultDeviceId(endpoint);
+    endpoint.deviceId = deviceId ? ReadWideText(*deviceId) : DefaultDeviceId(endpoint);
     const auto guidText = place.Optional("guidPropertyText");
-    endpoint.guidPropertyText = guidText ? WideText(*guidText) : UpperGuidText(endpoint.guid);
+    endpoint.guidPropertyText = guidText ? ReadWideText(*guidText) : UpperGuidText(endpoint.guid);
+    if (const auto topology = place.Optional("topology"))
+        endpoint.topology = ReadTopology(*topology);
     if (const auto registered = place.Optional("registered"))
         endpoint.registered = registered->Flag();
     if (const auto values = place.Optional("properties"))
@@ -86,7 +64,7 @@ std::vector<std::wstring> ReadKeyNames(const JsonPlace& place)
 {
     std::vector<std::wstring> names;
     for (const JsonPlace& element : place.Elements()) {
-        names.push_back(WideText(element));
+        names.push_back(ReadWideText(element));
         if (names.back().empty() || names.back().size() > 255 || names.back().find(L'\\') != std::wstring::npos)
             element.Refuse("must be a key name: 1 to 255 characters, no backslash");
     }
@@ -95,11 +73,16 @@ std::vector<std::wstring> ReadKeyNames(const JsonPlace& place)
 
 Fault ReadFault(const JsonPlace& place)
 {
-    place.AllowOnly({"call", "occurrence", "result"});
+    place.AllowOnly({"call", "object", "occurrence", "result"});
     Fault fault;
     fault.call = place.Required("call").Text();
     if (!IsKnownCall(fault.call))
         place.Required("call").Refuse("is no call that can be made to fail");
+    if (const auto object = place.Optional("object")) {
+        fault.object = object->Text();
+        if (IsWindowsFunction(fault.call))
+            object->Refuse("belongs to a method of a simulated object");
+    }
     if (const auto occurrence = place.Optional("occurrence"))
         fault.occurrence = static_cast<unsigned>(occurrence->Number(1, 1000000));
     const JsonPlace result = place.Required("result");
@@ -121,11 +104,49 @@ Fault ReadFault(const JsonPlace& place)
 void RefuseRepeatedEndpoints(const std::vector<JsonPlace>& places, const std::vector<Endpoint>& endpoints)
 {
     std::set<std::wstring> seen;
-    for (std::size_t index = 0; index < endpoints.size(); ++index) {
+    for (std::size_t index = 0; index < endpoints.size(); ++index)
         if (!seen.insert(UpperGuidText(endpoints[index].guid)).second)
             places[index].Required("guid").Refuse("is the GUID of an earlier endpoint too");
-        if (!seen.insert(L"id " + endpoints[index].deviceId).second)
-            places[index].Refuse("has the device id of an earlier endpoint");
+}
+
+// Device ids are the names by which topologies refer to each other.
+void RefuseRepeatedDevices(const JsonPlace& root, const MachineDescription& machine)
+{
+    std::set<std::wstring> seen;
+    for (const Endpoint& endpoint : machine.endpoints)
+        if (!seen.insert(endpoint.deviceId).second)
+            root.Required("endpoints").Refuse("hold the device id " + Utf16ToUtf8(endpoint.deviceId) + " twice");
+    for (const AdapterDevice& device : machine.devices)
+        if (!seen.insert(device.id).second)
+            root.Required("devices").Refuse("hold the device id " + Utf16ToUtf8(device.id) + " of another device");
+}
+
+bool HasConnector(const MachineDescription& machine, const PartAddress& address)
+{
+    const auto holds = [&](const std::wstring& deviceId, const TopologyDescription& topology) {
+        return deviceId == address.deviceId &&
+               std::any_of(topology.parts.begin(), topology.parts.end(), [&](const PartDescription& part) {
+                   return part.localId == address.localId && part.connectorType;
+               });
+    };
+    return std::any_of(machine.endpoints.begin(), machine.endpoints.end(),
+                       [&](const Endpoint& endpoint) { return holds(endpoint.deviceId, endpoint.topology); }) ||
+           std::any_of(machine.devices.begin(), machine.devices.end(),
+                       [&](const AdapterDevice& device) { return holds(device.id, device.topology); });
+}
+
+void RefuseOpenConnections(const std::vector<JsonPlace>& owners, const MachineDescription& machine)
+{
+    for (const JsonPlace& owner : owners) {
+        const auto topology = owner.Optional("topology");
+        if (!topology)
+            continue;
+        for (const JsonPlace& part : topology->Required("parts").Elements()) {
+            const auto connectedTo = part.Optional("connectedTo");
+            if (connectedTo && !HasConnector(machine, {ReadWideText(connectedTo->Required("device")),
+                                                       ReadUnsigned(connectedTo->Required("part"))}))
+                connectedTo->Refuse("names no connector of this machine");
+        }
     }
 }
 
@@ -135,7 +156,7 @@ MachineDescription ParseMachine(const std::string& text, const std::string& sour
 {
     const nlohmann::json document = ParseJson(text, source);
     const JsonPlace root = JsonPlace::Root(document, source);
-    root.AllowOnly({"$schema", "description", "windowsVersion", "endpoints", "registryKeys", "faults"});
+    root.AllowOnly({"$schema", "description", "windowsVersion", "endpoints", "devices", "registryKeys", "faults"});
     for (const char* const note : {"$schema", "description"})
         if (const auto place = root.Optional(note))
             (void)place->Text();
@@ -146,6 +167,15 @@ MachineDescription ParseMachine(const std::string& text, const std::string& sour
     for (const JsonPlace& endpoint : endpoints)
         machine.endpoints.push_back(ReadEndpoint(endpoint));
     RefuseRepeatedEndpoints(endpoints, machine.endpoints);
+    std::vector<JsonPlace> topologyOwners = endpoints;
+    if (const auto devices = root.Optional("devices")) {
+        for (const JsonPlace& device : devices->Elements()) {
+            machine.devices.push_back(ReadAdapterDevice(device));
+            topologyOwners.push_back(device);
+        }
+    }
+    RefuseRepeatedDevices(root, machine);
+    RefuseOpenConnections(topologyOwners, machine);
     if (const auto keys = root.Optional("registryKeys")) {
         keys->AllowOnly({"render", "capture"});
         if (const auto render = keys->Optional("render"))

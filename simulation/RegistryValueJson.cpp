@@ -1,11 +1,11 @@
 #include "RegistryValueJson.h"
 
+#include "JsonValues.h"
 #include "Utf16.h"
 
 #include <algorithm>
 #include <iterator>
 #include <limits>
-#include <sstream>
 
 namespace simulation {
 
@@ -57,19 +57,6 @@ Bytes ReadNumber(const JsonPlace& place, const TypeRow& type)
     const std::int64_t most =
         type.numberSize == 4 ? std::numeric_limits<std::uint32_t>::max() : std::numeric_limits<std::int64_t>::max();
     return NumberData(static_cast<std::uint64_t>(place.Number(0, most)), type);
-}
-
-// Pairs of hexadecimal digits separated by blanks.
-Bytes ReadBytes(const JsonPlace& place)
-{
-    Bytes bytes;
-    std::istringstream text(place.Text());
-    for (std::string pair; text >> pair;) {
-        if (pair.size() != 2 || pair.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
-            place.Refuse("must be bytes as pairs of hexadecimal digits, separated by blanks");
-        bytes.push_back(static_cast<std::uint8_t>(std::stoul(pair, nullptr, 16)));
-    }
-    return bytes;
 }
 
 RegistryValue ReadRegistryValue(const JsonPlace& place)

@@ -19,6 +19,12 @@ SimulatedMachine::SimulatedMachine(MachineDescription description)
 
 SimulatedMachine::~SimulatedMachine() = default;
 
+std::optional<UINT> SimulatedMachine::Selection(const PartAddress& selector) const
+{
+    const auto found = state_->selections.find(selector);
+    return found == state_->selections.end() ? std::nullopt : std::optional(found->second);
+}
+
 SimulatedMachine::ClassObjectHost::ClassObjectHost(MachinePtr machine)
     : thread_([this, machine = std::move(machine)] { Run(machine); })
 {

@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -25,6 +26,9 @@ public:
 
     // The platform calls since it was made, in order.
     [[nodiscard]] const std::vector<CallRecord>& Calls() const { return state_->calls.Calls(); }
+
+    // The local id that a selector was switched to last; none: it never was.
+    [[nodiscard]] std::optional<UINT> Selection(const PartAddress& selector) const;
 
 private:
     // Holds the class object in the multithreaded apartment, from a thread of its own.

@@ -1,0 +1,40 @@
+#include "JsonValues.h"
+
+#include "Utf16.h"
+
+#include <objbase.h>
+
+#include <limits>
+#include <sstream>
+
+namespace simulation {
+
+std::wstring ReadWideText(const JsonPlace& place) { return Utf8ToUtf16(place.Text()); }
+
+GUID ReadGuid(const JsonPlace& place)
+{
+    GUID guid{};
+    const std::wstring text = ReadWideText(place);
+    if (text.empty() || text.front() != L'{' || FAILED(CLSIDFromString(text.c_str(), &guid)))
+        place.Refuse("must be a GUID in braces");
+    return guid;
+}
+
+Bytes ReadBytes(const JsonPlace& place)
+{
+    Bytes bytes;
+    std::istringstream text(place.Text());
+    for (std::string pair; text >> pair;) {
+        if (pair.size() != 2 || pair.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+            place.Refuse("must be bytes as pairs of hexadecimal digits, separated by blanks");
+        bytes.push_back(static_cast<std::uint8_t>(std::stoul(pair, nullptr, 16)));
+    }
+    return bytes;
+}
+
+std::uint32_t ReadUnsigned(const JsonPlace& place)
+{
+    return static_cast<std::uint32_t>(place.Number(0, std::numeric_limits<std::uint32_t>::max()));
+}
+
+}  // namespace simulation
