@@ -56,9 +56,9 @@ std::wstring DefaultDeviceId(const Endpoint& endpoint);
 // device goes by its device id, a part by the device id, "/" and its local id in decimal.
 struct Fault {
     std::string call;
-    std::string object{};                  // empty: any object
     std::optional<unsigned> occurrence{};  // counts the calls of that name (on that object) from 1; none: every call
     LONG result = 0;
+    std::string object{};  // empty: any object
 };
 
 struct MachineDescription {

@@ -2,6 +2,7 @@
 
 #include "SimulatedMachine.h"
 #include "Utf16.h"
+#include "support/ComApartment.h"
 #include "support/Failures.h"
 #include "support/RecordingLogger.h"
 
@@ -25,14 +26,6 @@ constexpr auto Effects = qov::EndpointPropertyKind::FxProperties;
 constexpr qov::EndpointPropertyKind NoKind{2};
 constexpr const char* Nothing = "(nothing thrown)";
 
-class ApartmentJoin {
-public:
-    ApartmentJoin() { EXPECT_EQ(CoInitializeEx(nullptr, COINIT_MULTITHREADED), S_OK); }
-    ApartmentJoin(const ApartmentJoin&) = delete;
-    ApartmentJoin& operator=(const ApartmentJoin&) = delete;
-    ~ApartmentJoin() { CoUninitialize(); }
-};
-
 // Endpoint GUIDs that sort as their numbers do.
 GUID GuidOf(unsigned number) { return {number, 0x12ab, 0x34cd, {0x8a, 1, 2, 3, 4, 5, 6, 0xef}}; }
 
@@ -41,6 +34,7 @@ simulation::Endpoint MakeEndpoint(unsigned number, EDataFlow flow)
     simulation::Endpoint endpoint;
     endpoint.guid = GuidOf(number);
     endpoint.flow = flow;
+    endpoint.deviceId = simulation::DefaultDeviceId(endpoint);
     endpoint.guidPropertyText = simulation::UpperGuidText(endpoint.guid);
     return endpoint;
 }
@@ -62,61 +56,60 @@ Bytes Counted(std::size_t count)
     return bytes;
 }
 
-TEST(EndpointRegistryTest, ReadsTextsNumbersAndBytes)
+TEST(EndpointRegistryTest, ReadsTextsNumbersAndBytesOnly)
 {
     const std::wstring nul(1, L'\0');
+    const std::wstring text = L"\nValue get: ";
+    const std::wstring four = L"\nValue size in bytes: 4";
+    const std::wstring binary = L"\nBinary value get:\n";
+    const std::wstring size = L"Value size in bytes: ";
     const std::wstring first32 =
         L"0x0 0x1 0x2 0x3 0x4 0x5 0x6 0x7 0x8 0x9 0xa 0xb 0xc 0xd 0xe 0xf 0x10 0x11 0x12 0x13 "
         L"0x14 0x15 0x16 0x17 0x18 0x19 0x1a 0x1b 0x1c 0x1d 0x1e 0x1f ";
-    const std::wstring size = L"Value size in bytes: ";
-    const struct {
-        std::wstring name;
+    struct Row {
         DWORD type;
         Bytes stored;
         Bytes read;
-        std::wstring logged;  // the part that tells the value
-    } rows[] = {
-        {L"no terminator", REG_SZ, {'a', 0, 'b', 0}, {'a', 0, 'b', 0, 0, 0}, L"a"},
-        {L"one terminator", REG_SZ, {'a', 0, 'b', 0, 0, 0}, {'a', 0, 'b', 0, 0, 0, 0, 0}, L"ab"},
-        {L"two terminators", REG_SZ, {'a', 0, 0, 0, 0, 0}, {'a', 0, 0, 0, 0, 0, 0, 0}, L"a" + nul},
-        {L"NUL",
-         REG_SZ,
-         {'a', 0, 0, 0, 0xac, 0x20, 0, 0},
-         {'a', 0, 0, 0, 0xac, 0x20, 0, 0, 0, 0},
-         L"a" + nul + L"\x20ac"},
-        {L"no text", REG_SZ, {}, {0, 0}, L""},
-        {L"half a unit", REG_SZ, {'a'}, {0, 0}, L""},
-        {L"two units and a half", REG_SZ, {'a', 0, 'b', 0, 'c'}, {'a', 0, 'b', 0, 0, 0}, L"a"},
-        {L"number", REG_DWORD, {0xef, 0xbe, 0xad, 0xde}, {0xef, 0xbe, 0xad, 0xde}, L"3735928559 (0xdeadbeef)"},
-        {L"zero", REG_DWORD, {0, 0, 0, 0}, {0, 0, 0, 0}, L"0 (0x0)"},
-        {L"short number", REG_DWORD, {0x34, 0x12}, {0x34, 0x12}, L"4660 (0x1234)"},
-        {L"no number", REG_DWORD, {}, {}, L"0 (0x0)"},
-        {L"no bytes", REG_BINARY, {}, {}, size + L"0\n"},
-        {L"5", REG_BINARY, {0, 5, 31, 171, 255}, {0, 5, 31, 171, 255}, L"0x0 0x5 0x1f 0xab 0xff " + size + L"5\n"},
-        {L"32", REG_BINARY, Counted(32), Counted(32), first32 + size + L"32\n"},
-        {L"33", REG_BINARY, Counted(33), Counted(33), first32 + L"0x20 ...\n" + size + L"33\n"},
-        {L"40", REG_BINARY, Counted(40), Counted(40), first32 + L"0x20 ...\n" + size + L"40\n"},
+        std::wstring logged;  // behind the name of the value; empty for a type that is refused
     };
-    MachineDescription description;
-    description.endpoints = {MakeEndpoint(1, eRender)};
-    auto& values = description.endpoints.front().fxProperties.emplace();
-    for (const auto& row : rows)
-        values.push_back({row.name, row.type, row.stored});
-    const SimulatedMachine machine(description);
-
-    const std::wstring name = L" Registry key value name: ";
-    for (const auto& row : rows) {
-        SCOPED_TRACE(simulation::Utf16ToUtf8(row.name));
+    std::vector<Row> rows = {
+        {REG_SZ, {'a', 0, 'b', 0}, {'a', 0, 'b', 0, 0, 0}, text + L"a"},
+        {REG_SZ, {'a', 0, 'b', 0, 0, 0}, {'a', 0, 'b', 0, 0, 0, 0, 0}, text + L"ab"},
+        {REG_SZ, {'a', 0, 0, 0, 0, 0}, {'a', 0, 0, 0, 0, 0, 0, 0}, text + L"a" + nul},
+        {REG_SZ, {'a', 0, 0, 0, 0xac, 32, 0, 0}, {'a', 0, 0, 0, 0xac, 32, 0, 0, 0, 0}, text + L"a" + nul + L"\x20ac"},
+        {REG_SZ, {}, {0, 0}, text},
+        {REG_SZ, {'a'}, {0, 0}, text},
+        {REG_SZ, {'a', 0, 'b', 0, 'c'}, {'a', 0, 'b', 0, 0, 0}, text + L"a"},
+        {REG_DWORD, {0xef, 0xbe, 0xad, 0xde}, {0xef, 0xbe, 0xad, 0xde}, text + L"3735928559 (0xdeadbeef)" + four},
+        {REG_DWORD, {0x34, 0x12}, {0x34, 0x12}, text + L"4660 (0x1234)" + four},
+        {REG_DWORD, {}, {}, text + L"0 (0x0)" + four},
+        {REG_BINARY, {}, {}, binary + size + L"0\n"},
+        {REG_BINARY, {0, 5, 31, 171}, {0, 5, 31, 171}, binary + L"0x0 0x5 0x1f 0xab " + size + L"4\n"},
+        {REG_BINARY, Counted(5), Counted(5), binary + L"0x0 0x1 0x2 0x3 0x4 " + size + L"5\n"},
+        {REG_BINARY, Counted(32), Counted(32), binary + first32 + size + L"32\n"},
+        {REG_BINARY, Counted(33), Counted(33), binary + first32 + L"0x20 ...\n" + size + L"33\n"},
+        {REG_BINARY, Counted(40), Counted(40), binary + first32 + L"0x20 ...\n" + size + L"40\n"},
+    };
+    for (const DWORD type : {0u, 2u, 5u, 6u, 7u, 8u, 9u, 10u, 11u})
+        rows.push_back({type, Counted(8), {}, L""});
+    for (const Row& row : rows) {
+        SCOPED_TRACE("row " + std::to_string(&row - rows.data()));
+        MachineDescription description;
+        description.endpoints = {MakeEndpoint(1, eRender)};
+        description.endpoints[0].fxProperties = {{L"{n},1", row.type, row.stored}};
+        const SimulatedMachine machine(description);
         RecordingLogger logger;
         Bytes read;
-        EXPECT_EQ(Read(1, Render, Effects, row.name, read, logger), Nothing);
+        const bool refused = row.logged.empty();
+        const std::wstring type = row.type == REG_SZ ? L"REG_SZ" : row.type == REG_DWORD ? L"REG_DWORD" : L"REG_BINARY";
+        EXPECT_EQ(Read(1, Render, Effects, L"{n},1", read, logger),
+                  refused ? "Unsupported registry value type" : Nothing);
         EXPECT_EQ(read, row.read);
-        const std::wstring logged =
-            row.type == REG_SZ ? L"[REG_SZ]" + name + row.name + L"\nValue get: " + row.logged
-            : row.type == REG_DWORD
-                ? L"[REG_DWORD]" + name + row.name + L"\nValue get: " + row.logged + L"\n" + size + L"4"
-                : L"[REG_BINARY]" + name + row.name + L"\nBinary value get:\n" + row.logged;
-        EXPECT_EQ(logger.messages, (std::vector{std::pair{LogLevel::Info, logged}}));
+        ASSERT_EQ(logger.messages.size(), refused ? 0u : 1u);
+        if (!refused) {
+            EXPECT_EQ(logger.messages[0].first, LogLevel::Info);
+            EXPECT_EQ(logger.messages[0].second, L"[" + type + L"] Registry key value name: {n},1" + row.logged);
+        }
     }
 }
 
@@ -140,8 +133,8 @@ TEST(EndpointRegistryTest, FindsTheValueOrTellsWhyNot)
         {2, Capture, Effects, L"Text", {}},
         {1, Capture, Values, L"Text", {}},
         {3, Render, Values, L"Text", {}},
-        {1, All, Values, L"Text", {}, "Unsupported endpoint data flow."},
         {1, None, Effects, L"Text", {}, "Unsupported endpoint data flow."},
+        {1, All, Values, L"Text", {}, "Unsupported endpoint data flow."},
         {1, All, NoKind, L"Text", {}, "Unsupported endpoint property type."},
         {1, All, NoKind, L"Text", {}, "StringFromCLSID() call failed", {{"StringFromCLSID", {}, E_OUTOFMEMORY}}},
         {1, Render, Effects, L"LongNumber", {}, noQuery + "ea"},
@@ -174,20 +167,6 @@ TEST(EndpointRegistryTest, FindsTheValueOrTellsWhyNot)
     }
 }
 
-TEST(EndpointRegistryTest, RefusesValuesOfOtherTypes)
-{
-    for (const DWORD type : {0, 2, 5, 6, 7, 8, 9, 10, 11}) {
-        MachineDescription description;
-        description.endpoints = {MakeEndpoint(1, eCapture)};
-        description.endpoints[0].properties = {{L"Value", type, Counted(8)}};
-        const SimulatedMachine machine(description);
-        RecordingLogger logger;
-        Bytes read;
-        EXPECT_EQ(Read(1, Capture, Values, L"Value", read, logger), "Unsupported registry value type") << type;
-        EXPECT_TRUE(logger.messages.empty());
-    }
-}
-
 TEST(EndpointRegistryTest, TakesDevicePathsApart)
 {
     const struct {
@@ -202,71 +181,61 @@ TEST(EndpointRegistryTest, TakesDevicePathsApart)
         {LR"(\\\#e##g\Topo++)", L"e", L"Topo"},
         {LR"(a\b\c\d#+e+#f#g#\Topo\)", L"+e+", L"To"},
         {LR"(a\b\c\d#e#f\Topo++)", L"", L"Topo"},
-        {LR"(a\b\c\d#e#f#\Topo++)", L"", L"Topo"},
         {LR"(a\b\c\d#e#f#g#h\Topo++)", L"", L"Topo"},
         {LR"(a\b\c\d#e#f#g\Topo\more++)", L"", L""},
         {LR"(a\b\c\d#e#f#g++)", L"", L""},
         {LR"(a\b\c\d#e#f#g\)", L"", L""},
         {L"", L"", L""},
     };
-    const auto withNuls = [](std::wstring text) {
-        std::replace(text.begin(), text.end(), L'+', L'\0');
-        return text;
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(simulation::Utf16ToUtf8(row.path));
-        EXPECT_EQ(qov::ExtractDeviceId(withNuls(row.path)), withNuls(row.deviceId));
-        EXPECT_EQ(qov::ExtractEndpointName(withNuls(row.path)), withNuls(row.endpointName));
+    for (auto [path, deviceId, endpointName] : rows) {
+        SCOPED_TRACE(simulation::Utf16ToUtf8(path));
+        for (std::wstring* const text : {&path, &deviceId})
+            std::replace(text->begin(), text->end(), L'+', L'\0');
+        EXPECT_EQ(qov::ExtractDeviceId(path), deviceId);
+        EXPECT_EQ(qov::ExtractEndpointName(path), endpointName);
     }
 }
 
 TEST(EndpointRegistryTest, ListsWhatIsActiveAndRegisteredInRegistryOrder)
 {
-    const char* const wrongFlow = "Unsupported endpoint type. Use either 'Capture' or 'Render'.";
+    const std::string wrongFlow = "Unsupported endpoint type. Use either 'Capture' or 'Render'.";
+    const std::string failed = " failed with status: 80004005";
     const struct {
         qov::DataFlow flow;
         std::vector<unsigned> listed;
         std::size_t logged;  // two messages for each active endpoint, one for the value that is read
-        std::string message = Nothing;
-        std::vector<Fault> faults = {};
+        std::string message;
+        std::vector<Fault> faults;
     } rows[] = {
-        {Render, {1, 4}, 7},
-        {Capture, {5}, 2},
+        {Render, {1, 4}, 7, Nothing, {}},
+        {Capture, {5}, 2, Nothing, {}},
         {All, {}, 8, wrongFlow, {{"RegOpenKeyW", {}, ERROR_ACCESS_DENIED}}},
-        {None, {}, 0, wrongFlow, {{"RegOpenKeyW", {}, ERROR_ACCESS_DENIED}}},
-        {Render,
-         {},
-         0,
-         "EnumAudioEndpoints() failed with status: 80004005",
-         {{"IMMDeviceEnumerator::EnumAudioEndpoints", {}, E_FAIL}}},
-        {Render,
-         {},
-         0,
-         "pCollection->GetCount() failed with status: 80004005",
-         {{"IMMDeviceCollection::GetCount", {}, E_FAIL}}},
-        {Render, {}, 2, "pCollection->Item() failed with status: 80004005", {{"IMMDeviceCollection::Item", 2, E_FAIL}}},
-        {Render, {}, 2, "pEndpoint->GetId() failed with status: 80004005", {{"IMMDevice::GetId", 2, E_FAIL}}},
-        {Render, {}, 2, "pProps->GetValue() failed with status: 80004005", {{"IPropertyStore::GetValue", 3, E_FAIL}}},
+        {None, {}, 0, "EnumAudioEndpoints() failed with status: 80070057", {}},  // the platform refuses it
+        {All, {}, 0, "EnumAudioEndpoints()" + failed, {{"IMMDeviceEnumerator::EnumAudioEndpoints", {}, E_FAIL}}},
+        {Render, {}, 0, "pCollection->GetCount()" + failed, {{"IMMDeviceCollection::GetCount", {}, E_FAIL}}},
+        {Render, {}, 2, "pCollection->Item()" + failed, {{"IMMDeviceCollection::Item", 2, E_FAIL}}},
+        {Render, {}, 2, "pEndpoint->GetId()" + failed, {{"IMMDevice::GetId", 2, E_FAIL}}},
+        {Render, {}, 2, "pProps->GetValue()" + failed, {{"IPropertyStore::GetValue", 3, E_FAIL}}},
     };
     MachineDescription description;
-    description.endpoints = {MakeEndpoint(4, eRender), MakeEndpoint(5, eCapture), MakeEndpoint(1, eRender),
-                             MakeEndpoint(2, eRender), MakeEndpoint(3, eRender)};
-    description.endpoints[2].properties = {{qov::DevicePathKey, REG_SZ, TextData(L"no path")}};
-    description.endpoints[3].state = DEVICE_STATE_UNPLUGGED;
-    description.endpoints[4].registered = false;
+    for (const unsigned number : {4u, 1u, 2u, 3u})
+        description.endpoints.push_back(MakeEndpoint(number, eRender));
+    description.endpoints[1].properties = {{qov::DevicePathKey, REG_SZ, TextData(L"no path")}};
+    description.endpoints[2].state = DEVICE_STATE_UNPLUGGED;
+    description.endpoints[3].registered = false;
+    description.endpoints.push_back(MakeEndpoint(5, eCapture));
     for (const auto& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
         description.faults = row.faults;
         const SimulatedMachine machine(description);
-        const ApartmentJoin apartment;
+        const ComApartment apartment;
         RecordingLogger logger;
-        std::vector<qov::AudioEndpoint> listed;
-        EXPECT_EQ(MessageOf([&] { listed = qov::GetAudioEndpoints(row.flow, logger); }), row.message);
-        ASSERT_EQ(listed.size(), row.listed.size());
-        for (std::size_t at = 0; at < listed.size(); ++at) {
-            EXPECT_EQ(listed[at].AudioEndpointGuid, GuidOf(row.listed[at]));
-            EXPECT_EQ(listed[at].Flow, row.flow);
-        }
+        std::vector<unsigned> listed;
+        EXPECT_EQ(row.message, MessageOf([&] {
+                      for (const auto& endpoint : qov::GetAudioEndpoints(row.flow, logger))
+                          listed.push_back(endpoint.AudioEndpointGuid.Data1);
+                  }));
+        EXPECT_EQ(listed, row.listed);
         EXPECT_EQ(logger.messages.size(), row.logged);
     }
 }

@@ -1,0 +1,17 @@
+# nlohmann_json and CLI11 are headers alone, so a cross build takes them from the building system's packages: through links
+# of their own, since the folder that holds them holds that system's C library too.
+if(CMAKE_CROSSCOMPILING)
+  function(qovxml_borrow_headers target header)
+    get_filename_component(folder ${header} DIRECTORY)
+    find_path(QOVXML_${folder}_ROOT ${header} PATHS /usr/include REQUIRED NO_CMAKE_FIND_ROOT_PATH NO_DEFAULT_PATH)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/headers)
+    file(CREATE_LINK ${QOVXML_${folder}_ROOT}/${folder} ${PROJECT_BINARY_DIR}/headers/${folder} SYMBOLIC)
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} SYSTEM INTERFACE ${PROJECT_BINARY_DIR}/headers)
+  endfunction()
+  qovxml_borrow_headers(nlohmann_json::nlohmann_json nlohmann/json.hpp)
+  qovxml_borrow_headers(CLI11::CLI11 CLI/CLI.hpp)
+else()
+  find_package(nlohmann_json 3.11 REQUIRED)
+  find_package(CLI11 REQUIRED)
+endif()

@@ -1,0 +1,3 @@
+#include "DefaultMachine.h"
+
+std::optional<simulation::MachineDescription> host::DefaultMachine() { return std::nullopt; }

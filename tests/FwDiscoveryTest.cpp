@@ -1,0 +1,236 @@
+// What the firmware walk asks of the driver, byte for byte, and what a hostile driver or topology cannot do to it.
+#include "SimulatedMachine.h"
+#include "fwdiscovery/FwDiscovery.h"
+#include "fwdiscovery/PartsWalk.h"
+#include "support/ComApartment.h"
+#include "support/Failures.h"
+#include "support/RecordingLogger.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+using simulation::Bytes;
+using simulation::PartDescription;
+using simulation::SelectorKind;
+
+constexpr GUID Spatialf{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x99, 0x9B, 0x3F, 0x74, 0x45}};
+constexpr wchar_t Adapter[] = L"adapter";
+
+PartDescription ConnectorPart(UINT id, ConnectorType type, std::vector<UINT> neighbours = {})
+{
+    PartDescription part;
+    part.localId = id;
+    part.connectorType = type;
+    part.incoming = part.outgoing = std::move(neighbours);
+    return part;
+}
+
+PartDescription Subunit(UINT id, std::vector<UINT> neighbours, SelectorKind selector = SelectorKind::None)
+{
+    PartDescription part;
+    part.localId = id;
+    part.incoming = part.outgoing = std::move(neighbours);
+    part.selector = selector;
+    return part;
+}
+
+// One endpoint whose connector leads to part 0x10001 of an adapter; the filter answers on pin 5.
+simulation::MachineDescription Machine(EDataFlow flow, std::vector<PartDescription> parts)
+{
+    simulation::MachineDescription machine;
+    simulation::Endpoint endpoint;
+    endpoint.guid = {1, 2, 3, {4}};
+    endpoint.flow = flow;
+    endpoint.deviceId = L"endpoint";
+    endpoint.guidPropertyText = simulation::UpperGuidText(endpoint.guid);
+    endpoint.topology.parts.front().connectedTo = simulation::PartAddress{Adapter, 0x10001};
+    machine.endpoints = {endpoint};
+    simulation::AdapterDevice adapter{Adapter, {std::move(parts), {}}, simulation::FilterDescription{}};
+    adapter.filter->audioEngineNodes = {{0x2, 4, 5, 6}};
+    adapter.filter->pins = {{5, {1}, simulation::ModuleListReply({{1, Spatialf}}), {}, {}}};
+    machine.devices = {adapter};
+    return machine;
+}
+
+std::vector<PartDescription> StraightPath()
+{
+    return {ConnectorPart(0x10001, Physical_Internal, {0x20007}), Subunit(0x20007, {0x10002}, SelectorKind::Input),
+            ConnectorPart(0x10002, Software_IO)};
+}
+
+struct FwRun {
+    explicit FwRun(const simulation::MachineDescription& description) : machine(description)
+    {
+        message = MessageOf([&] { modules = qov::AudioModulesUtils::DiscoverFwModules(logger); });
+    }
+
+    [[nodiscard]] std::vector<std::string> Arguments(std::string_view call) const
+    {
+        std::vector<std::string> arguments;
+        for (const simulation::CallRecord& record : machine.Calls())
+            if (record.call == call)
+                arguments.push_back(record.arguments);
+        return arguments;
+    }
+    [[nodiscard]] bool Logged(const std::wstring& text) const
+    {
+        const auto texts = logger.Texts();
+        return std::find(texts.begin(), texts.end(), text) != texts.end();
+    }
+
+    ComApartment apartment;
+    simulation::SimulatedMachine machine;
+    RecordingLogger logger;
+    qov::ModuleList modules;
+    std::string message;
+};
+
+TEST(FwDiscovery, AsksTheDriverByteForByte)
+{
+    const FwRun render(Machine(eRender, StraightPath()));
+    const std::string pinRequest = "37cee9ba99aac74b9bdf4cbf3d23e1b9";  // the property set in its memory layout
+    const std::string pin5 = "0500000000000000";
+    EXPECT_EQ(render.Arguments("IKsControl::KsProperty"),
+              (std::vector<std::string>{"dc822f3a6f88aa4b9eb4082b9025c536"
+                                        "06000000"
+                                        "01000010"
+                                        "02000000"
+                                        "00000000, data 12",
+                                        pinRequest +
+                                            "00000000"
+                                            "01000000" +
+                                            pin5 + ", data 5",
+                                        pinRequest +
+                                            "01000000"
+                                            "01000000" +
+                                            pin5 + "7e2f8ec13d936549b7d11eef228d2af3, no data 0",
+                                        pinRequest +
+                                            "01000000"
+                                            "01000000" +
+                                            pin5 + "7e2f8ec13d936549b7d11eef228d2af3, data 156"}));
+    EXPECT_EQ(render.machine.Selection({Adapter, 0x20007}), 0x10001u);
+    ASSERT_EQ(render.modules.size(), 1u);
+    EXPECT_EQ(render.modules[0].PropertyPinId, 5u);
+    EXPECT_TRUE(render.modules[0].KsControl);
+
+    simulation::MachineDescription described = Machine(eCapture, StraightPath());
+    described.devices[0].topology.signalPaths = {{0x10002, 0x10002}};
+    const FwRun capture(described);
+    EXPECT_EQ(capture.Arguments("IDeviceTopology::GetSignalPath"), std::vector<std::string>{"65538, 65538, 1"});
+    EXPECT_TRUE(capture.Logged(L"Using pin id:2\nTesting PP API: comparing versions..."));
+    EXPECT_FALSE(capture.Logged(L"Trying to read offload pin id..."));
+}
+
+TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
+{
+    const Bytes one = simulation::ModuleListReply({{1, Spatialf}});
+    const auto claiming = [&one](std::uint32_t count) {
+        Bytes reply = one;
+        for (int index = 0; index < 4; ++index)
+            reply[4 + static_cast<std::size_t>(index)] = static_cast<std::uint8_t>((count >> (8 * index)) & 0xFF);
+        return reply;
+    };
+    const auto cut = [&one](std::size_t size) { return Bytes(one.begin(), one.begin() + static_cast<long>(size)); };
+    const struct {
+        const char* name;
+        simulation::PpApiPin pin;
+        std::size_t modules;
+        const wchar_t* countLine;  // null: none
+    } rows[] = {
+        {"as it should be", {5, {1}, one, {}, {}}, 1, L"Modules count:1 modules size:156"},
+        {"room behind the modules", {5, {1}, one, 1000, {}}, 1, L"Modules count:1 modules size:156"},
+        {"no bytes", {5, {1}, Bytes{}, {}, {}}, 0, nullptr},
+        {"seven bytes", {5, {1}, cut(7), {}, {}}, 0, nullptr},
+        {"head alone", {5, {1}, cut(8), {}, {}}, 0, L"Modules count:1 modules size:156"},
+        {"a byte short", {5, {1}, cut(155), {}, {}}, 0, L"Modules count:1 modules size:156"},
+        {"two promised", {5, {1}, claiming(2), {}, {}}, 0, L"Modules count:2 modules size:156"},
+        {"as many as can be said",
+         {5, {1}, claiming(0xFFFFFFFF), {}, {}},
+         0,
+         L"Modules count:4294967295 modules size:156"},
+        {"times 148 overflows to 0",
+         {5, {1}, claiming(0x40000000), {}, {}},
+         0,
+         L"Modules count:1073741824 modules size:156"},
+        {"fewer bytes returned than asked", {5, {1}, one, {}, 155}, 0, L"Modules count:1 modules size:156"},
+        {"hardly any returned", {5, {1}, one, {}, 7}, 0, nullptr},
+        {"more bytes returned than asked", {5, {1}, one, 60, 0xFFFFFFFF}, 0, L"Modules count:1 modules size:156"},
+        {"four gigabytes", {5, {1}, one, 0xFFFFFFFF, {}}, 0, nullptr},
+        {"no version bytes", {5, {}, one, {}, {}}, 0, nullptr},
+        {"another version", {5, {2, 1, 1, 1, 1}, one, {}, {}}, 0, nullptr},
+        {"a version longer than asked", {5, Bytes(4096, 1), one, {}, {}}, 1, L"Modules count:1 modules size:156"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        simulation::MachineDescription described = Machine(eRender, StraightPath());
+        described.devices[0].filter->pins = {row.pin};
+        const FwRun run(described);
+        EXPECT_EQ(run.message, "(nothing thrown)");
+        EXPECT_EQ(run.modules.size(), row.modules);
+        const auto texts = run.logger.Texts();
+        const auto counted = std::find_if(texts.begin(), texts.end(),
+                                          [](const std::wstring& text) { return text.starts_with(L"Modules count:"); });
+        EXPECT_EQ(counted == texts.end() ? L"" : *counted, row.countLine == nullptr ? L"" : row.countLine);
+    }
+}
+
+// A part whose neighbours cannot be listed: the walk drops it and goes on with the next.
+constexpr char DeadEnd[] = "adapter/196607";
+
+// Every part leads to all of them.
+std::vector<PartDescription> BranchingRing(UINT size)
+{
+    std::vector<UINT> all(size);
+    std::iota(all.begin(), all.end(), 0x20000);
+    std::vector<PartDescription> parts = {ConnectorPart(0x10001, Physical_Internal, all)};
+    for (const UINT id : all)
+        parts.push_back(Subunit(id, all));
+    return parts;
+}
+
+TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
+{
+    std::vector<PartDescription> connectorRing = {ConnectorPart(0x10001, Physical_Internal, {0x10002}),
+                                                  ConnectorPart(0x10002, Physical_Internal)};
+    connectorRing[1].connectedTo = simulation::PartAddress{Adapter, 0x10001};
+    std::vector<PartDescription> chain = {ConnectorPart(0x10001, Physical_Internal, {0})};
+    for (UINT id = 0; id < qov::MaxWalkDepth; ++id)
+        chain.push_back(Subunit(id, {id + 1}));
+    chain.push_back(ConnectorPart(qov::MaxWalkDepth, Software_IO));
+    const auto wide = std::vector<UINT>(100000, 0x2FFFF);
+
+    const struct {
+        const char* name;
+        std::vector<PartDescription> parts;
+    } rows[] = {
+        {"its own neighbour", {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20000})}},
+        {"its own neighbour before the way out",
+         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20000, 0x10002}),
+          ConnectorPart(0x10002, Software_IO)}},
+        {"two in a ring",
+         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20001}),
+          Subunit(0x20001, {0x20000}, SelectorKind::Output)}},
+        {"branching ring", BranchingRing(30)},
+        {"connectors in a ring", connectorRing},
+        {"a path too long to be one", chain},
+        {"a list without end", {ConnectorPart(0x10001, Physical_Internal, wide), Subunit(0x2FFFF, {})}},
+    };
+    for (const auto& row : rows) {
+        for (const EDataFlow flow : {eRender, eCapture}) {
+            SCOPED_TRACE(std::string(row.name) + (flow == eRender ? ", render" : ", capture"));
+            simulation::MachineDescription described = Machine(flow, row.parts);
+            for (const char* const call : {"IPart::EnumPartsIncoming", "IPart::EnumPartsOutgoing"})
+                described.faults.push_back({call, {}, E_FAIL, DeadEnd});
+            const FwRun run(described);
+            EXPECT_EQ(run.message, "(nothing thrown)");
+            EXPECT_FALSE(run.Logged(L"Found a Software_IO connector for current device"));
+            EXPECT_LE(run.machine.Calls().size(), 20 * qov::MaxWalkedParts + 100);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,78 @@
+#include "xmledit/LineFile.h"
+
+#include "support/Failures.h"
+#include "support/Scratch.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <tuple>
+
+namespace {
+
+using namespace qov;
+
+TEST(LineFileTest, ReadsLinesAndWritesThemBackWithCrLf)
+{
+    const std::string odd("\xef\xbb\xbf<x>\0\t \x80\xff\x0b ", 13);  // a byte-order mark and more
+    const std::tuple<std::string, LineFile, std::string> rows[] = {
+        {"", {}, ""},
+        {"\n", {""}, "\r\n"},
+        {"a\nb", {"a", "b"}, "a\r\nb\r\n"},
+        {"a\r\nb\nc\r\n", {"a", "b", "c"}, "a\r\nb\r\nc\r\n"},
+        {"\r\n\na\n\n", {"", "", "a", ""}, "\r\n\r\na\r\n\r\n"},
+        {"\ra\rb\n\rc\r", {"\ra\rb", "\rc\r"}, "\ra\rb\r\n\rc\r\r\n"},
+        {"a\r\r\nb", {"a\r", "b"}, "a\r\r\nb\r\n"},
+        {odd + "\n", {odd}, odd + "\r\n"},
+        {"a\x1a\nb\n\x1a", {"a\x1a", "b", "\x1a"}, "a\x1a\r\nb\r\n\x1a\r\n"}};
+    const ScratchFolder scratch;
+    const std::string path = scratch.Path("file.xml");
+    for (const auto& [bytes, lines, rewritten] : rows) {
+        SCOPED_TRACE(testing::PrintToString(bytes));
+        WriteBytes(path, bytes);
+        EXPECT_EQ(ReadLineFile(path), lines);
+        WriteLineFile(lines, path);
+        EXPECT_EQ(ReadBytes(path), rewritten);
+    }
+    // CR and LF on either side of the end of a buffer, for buffers of the usual sizes.
+    for (std::size_t size = 512; size <= 65536; size *= 2) {
+        for (const std::string& line :
+             {std::string(size - 2, 'x'), std::string(size - 1, 'x'), std::string(size, 'x')}) {
+            WriteBytes(path, line + "\r\n" + line + "\r");
+            EXPECT_TRUE(ReadLineFile(path) == (LineFile{line, line + "\r"})) << line.size();
+        }
+    }
+}
+
+TEST(LineFileTest, WritesTheWholeFileAnew)
+{
+    const ScratchFolder scratch;
+    const std::string path = scratch.Path("new file.xml");
+    WriteLineFile({"much longer than what follows"}, path);
+    EXPECT_EQ(ReadBytes(path), "much longer than what follows\r\n");
+    // Other users of the file are no hindrance where the system knows exclusive use, as Windows does.
+    const std::fstream otherUser(path, std::ios::in | std::ios::out | std::ios::binary);
+    WriteLineFile({"a\nb", "c\r\nd", "\n"}, path);
+    EXPECT_EQ(ReadBytes(path), "a\r\nb\r\nc\r\r\nd\r\n\r\n\r\n");
+    WriteLineFile({}, path);
+    EXPECT_EQ(ReadLineFile(path), LineFile{});
+    EXPECT_EQ(ReadBytes(path), "");
+}
+
+TEST(LineFileTest, SaysWhatCannotBeReadButNotWhatCannotBeWritten)
+{
+    const ScratchFolder scratch;
+    for (const std::string& path : {scratch.Path("missing & \"more\""), scratch.Path("no folder") + "//./x",
+                                    scratch.Folder().string(), std::string()})
+        EXPECT_EQ(MessageOf([&] { ReadLineFile(path); }), "File \"" + path + "\" not found.");
+    EXPECT_NO_THROW(WriteLineFile({"new"}, scratch.Path("no folder/file.xml")));
+    EXPECT_FALSE(std::filesystem::exists(scratch.Path("no folder")));
+    EXPECT_NO_THROW(WriteLineFile({"new"}, scratch.Folder().string()));
+    const std::string path = scratch.Path("read-only.xml");
+    WriteBytes(path, "old\n");
+    const UnwritableFile unwritable(path);
+    EXPECT_NO_THROW(WriteLineFile({"new"}, path));
+    EXPECT_EQ(ReadBytes(path), "old\n");
+}
+
+}  // namespace
