@@ -4,12 +4,21 @@
 
 #include <objbase.h>
 
+#include <cwctype>
 #include <limits>
 #include <sstream>
 
 namespace simulation {
 
 std::wstring ReadWideText(const JsonPlace& place) { return Utf8ToUtf16(place.Text()); }
+
+std::wstring FoldCase(const std::wstring& name)
+{
+    std::wstring folded = name;
+    for (wchar_t& unit : folded)
+        unit = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(unit)));
+    return folded;
+}
 
 GUID ReadGuid(const JsonPlace& place)
 {

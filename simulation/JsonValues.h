@@ -24,6 +24,9 @@ Value ReadNamed(const JsonPlace& place, const std::map<std::string, Value>& name
 
 std::wstring ReadWideText(const JsonPlace& place);
 
+// A registry name as the registry compares it: without regard to case.
+std::wstring FoldCase(const std::wstring& name);
+
 GUID ReadGuid(const JsonPlace& place);
 
 // Pairs of hexadecimal digits separated by blanks.

@@ -60,13 +60,19 @@ Endpoint ReadEndpoint(const JsonPlace& place)
     return endpoint;
 }
 
-std::vector<std::wstring> ReadKeyNames(const JsonPlace& place)
+std::vector<std::wstring> ReadKeyNames(const JsonPlace& place, EDataFlow flow, const std::vector<Endpoint>& endpoints)
 {
+    std::set<std::wstring> seen;
+    for (const Endpoint& endpoint : endpoints)
+        if (endpoint.flow == flow && endpoint.registered)
+            seen.insert(UpperGuidText(endpoint.guid));
     std::vector<std::wstring> names;
     for (const JsonPlace& element : place.Elements()) {
         names.push_back(ReadWideText(element));
         if (names.back().empty() || names.back().size() > 255 || names.back().find(L'\\') != std::wstring::npos)
             element.Refuse("must be a key name: 1 to 255 characters, no backslash");
+        if (!seen.insert(FoldCase(names.back())).second)
+            element.Refuse("is the name of another key");
     }
     return names;
 }
@@ -179,9 +185,9 @@ MachineDescription ParseMachine(const std::string& text, const std::string& sour
     if (const auto keys = root.Optional("registryKeys")) {
         keys->AllowOnly({"render", "capture"});
         if (const auto render = keys->Optional("render"))
-            machine.furtherRenderKeys = ReadKeyNames(*render);
+            machine.furtherRenderKeys = ReadKeyNames(*render, eRender, machine.endpoints);
         if (const auto capture = keys->Optional("capture"))
-            machine.furtherCaptureKeys = ReadKeyNames(*capture);
+            machine.furtherCaptureKeys = ReadKeyNames(*capture, eCapture, machine.endpoints);
     }
     if (const auto faults = root.Optional("faults"))
         for (const JsonPlace& fault : faults->Elements())

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <set>
 
 namespace simulation {
 
@@ -102,9 +103,14 @@ RegistryValue ReadRegistryValue(const JsonPlace& place)
 std::vector<RegistryValue> ReadRegistryValues(const JsonPlace& place)
 {
     std::vector<RegistryValue> values;
+    std::set<std::wstring> seen;
     for (const auto& [name, member] : place.Members()) {
         RegistryValue value = ReadRegistryValue(member);
         value.name = Utf8ToUtf16(name);
+        if (value.name.empty() || value.name.find(L'\0') != std::wstring::npos)
+            member.Refuse("must have a name without NUL");
+        if (!seen.insert(FoldCase(value.name)).second)
+            member.Refuse("has the name of another value but for letter case, which the registry does not tell apart");
         values.push_back(std::move(value));
     }
     return values;

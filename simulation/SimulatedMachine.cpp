@@ -4,10 +4,25 @@
 
 #include <mmdeviceapi.h>
 
+#include <atomic>
 #include <stdexcept>
 #include <string>
 
 namespace simulation {
+
+namespace {
+
+std::atomic<bool> placeTaken = false;
+
+}  // namespace
+
+SimulatedMachine::Place::Place()
+{
+    if (placeTaken.exchange(true))
+        throw std::runtime_error("This process sees a simulated machine already");
+}
+
+SimulatedMachine::Place::~Place() { placeTaken = false; }
 
 SimulatedMachine::SimulatedMachine(MachineDescription description)
     : state_(std::make_shared<MachineState>(std::move(description))),

@@ -50,6 +50,16 @@ private:
         std::thread thread_;
     };
 
+    // The only one of this process.
+    class Place {
+    public:
+        Place();
+        Place(const Place&) = delete;
+        Place& operator=(const Place&) = delete;
+        ~Place();
+    };
+
+    Place place_;
     MachinePtr state_;
     RegistryImage registry_;
     ClassObjectHost classObject_;

@@ -89,7 +89,7 @@ struct FwRun {
     std::string message;
 };
 
-TEST(FwDiscovery, AsksTheDriverByteForByte)
+TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
 {
     const FwRun render(Machine(eRender, StraightPath()));
     const std::string pinRequest = "37cee9ba99aac74b9bdf4cbf3d23e1b9";  // the property set in its memory layout
@@ -116,7 +116,10 @@ TEST(FwDiscovery, AsksTheDriverByteForByte)
     ASSERT_EQ(render.modules.size(), 1u);
     EXPECT_EQ(render.modules[0].PropertyPinId, 5u);
     EXPECT_TRUE(render.modules[0].KsControl);
+}
 
+TEST(FwDiscovery, AsksTheSoftwarePinsOnACapturePath)
+{
     simulation::MachineDescription described = Machine(eCapture, StraightPath());
     described.devices[0].topology.signalPaths = {{0x10002, 0x10002}};
     const FwRun capture(described);
