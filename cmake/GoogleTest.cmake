@@ -1,0 +1,12 @@
+# GTest::gtest: the installed one, or for a cross build compiled from Debian's source package.
+if(CMAKE_CROSSCOMPILING)
+  set(gtest_disable_pthreads OFF)
+  set(BUILD_GMOCK OFF)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  if(NOT TARGET GTest::gtest)
+    add_library(GTest::gtest ALIAS gtest)
+  endif()
+else()
+  find_package(GTest REQUIRED)
+endif()
