@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 class ScratchFolder {
@@ -30,5 +31,6 @@ public:
     ~UnwritableFile();
 
 private:
-    std::filesystem::path path_;
+    struct Hold;  // the system's means
+    std::unique_ptr<Hold> hold_;
 };

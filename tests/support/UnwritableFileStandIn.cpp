@@ -26,14 +26,23 @@ void SetOverrideRight(bool held)
 
 }  // namespace
 
-UnwritableFile::UnwritableFile(const fs::path& path) : path_(path)
-{
-    fs::permissions(path_, fs::perms::owner_read);
-    SetOverrideRight(false);
-}
+struct UnwritableFile::Hold {
+    explicit Hold(fs::path held) : path(std::move(held))
+    {
+        fs::permissions(path, fs::perms::owner_read);
+        SetOverrideRight(false);
+    }
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+    ~Hold()
+    {
+        SetOverrideRight(true);
+        fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    }
 
-UnwritableFile::~UnwritableFile()
-{
-    SetOverrideRight(true);
-    fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write);
-}
+    fs::path path;
+};
+
+UnwritableFile::UnwritableFile(const fs::path& path) : hold_(std::make_unique<Hold>(path)) {}
+
+UnwritableFile::~UnwritableFile() = default;

@@ -81,8 +81,14 @@ void STDAPICALLTYPE CoUninitialize()
     if (thisThread.joins == 0)
         Unsupported("CoUninitialize", "a thread that is in no apartment");
     const std::lock_guard lock(Com().mutex);
+    const bool multithreaded = thisThread.apartment == Apartment::Multithreaded;
+    std::thread::id thread;
+    CurrentApartment(Com(), thread);
+    for (const auto& [cookie, classObject] : Com().classObjects)
+        if (classObject.thread == thread && (multithreaded ? Com().multithreadedJoins : thisThread.joins) == 1)
+            Unsupported("CoUninitialize", "an apartment that ends with class objects");
     --Com().joins;
-    if (thisThread.apartment == Apartment::Multithreaded)
+    if (multithreaded)
         --Com().multithreadedJoins;
     if (--thisThread.joins == 0)
         thisThread.apartment = Apartment::None;
@@ -132,6 +138,9 @@ HRESULT STDAPICALLTYPE CoRegisterClassObject(REFCLSID classId, IUnknown* factory
     std::thread::id thread;
     if (!CurrentApartment(Com(), thread))
         return CO_E_NOTINITIALIZED;
+    for (const auto& [other, registered] : Com().classObjects)
+        if (registered.classId == classId && registered.thread == thread)
+            Unsupported("CoRegisterClassObject", "a class that the apartment has already");
     factory->AddRef();
     *cookie = Com().nextCookie++;
     Com().classObjects.emplace(*cookie, ClassObject{classId, factory, context, thread});
@@ -143,9 +152,14 @@ HRESULT STDAPICALLTYPE CoRevokeClassObject(DWORD cookie)
     IUnknown* factory = nullptr;
     {
         const std::lock_guard lock(Com().mutex);
+        std::thread::id thread;
+        if (!CurrentApartment(Com(), thread))
+            return CO_E_NOTINITIALIZED;
         const auto found = Com().classObjects.find(cookie);
         if (found == Com().classObjects.end())
-            return CO_E_OBJNOTREG;
+            return E_INVALIDARG;
+        if (found->second.thread != thread)
+            return RPC_E_WRONG_THREAD;
         factory = found->second.factory;
         Com().classObjects.erase(found);
     }

@@ -2,10 +2,11 @@
 #include "Internal.h"
 
 #include <algorithm>
-#include <cwctype>
+#include <locale>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,12 @@ struct NameOrder {
         return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
                                             [](wchar_t a, wchar_t b) { return Upper(a) < Upper(b); });
     }
-    static std::wint_t Upper(wchar_t unit) { return std::towupper(static_cast<std::wint_t>(unit)); }
+    static wchar_t Upper(wchar_t unit)
+    {
+        // Not the process's locale, which may know the letters of ASCII alone.
+        static const std::locale locale("C.UTF-8");
+        return std::toupper(unit, locale);
+    }
 };
 
 struct Value {
@@ -30,10 +36,18 @@ struct Value {
 
 struct Key {
     bool isVolatile = false;
+    bool isDeleted = false;
     std::map<std::wstring, std::shared_ptr<Key>, NameOrder> subKeys;
     std::map<std::wstring, Value, NameOrder> values;
 };
 using KeyPtr = std::shared_ptr<Key>;
+
+void MarkDeleted(Key& key)
+{
+    key.isDeleted = true;
+    for (const auto& [name, subKey] : key.subKeys)
+        MarkDeleted(*subKey);
+}
 
 class Registry {
 public:
@@ -48,21 +62,26 @@ public:
                                  {HKEY_LOCAL_MACHINE, std::make_shared<Key>()}};
     std::map<HKEY, KeyPtr> overrides;
     std::map<HKEY, KeyPtr> open;
+    std::set<HKEY> readOnly;
 
-    // The key behind a handle; null for a handle that is not open.
-    KeyPtr Find(HKEY handle) const
+    // Gives the key behind a handle. That of a deleted key serves nothing but to be closed.
+    LSTATUS Find(HKEY handle, KeyPtr& key) const
     {
         for (const auto* handles : {&overrides, &roots, &open})
-            if (const auto found = handles->find(handle); found != handles->end())
-                return found->second;
-        return nullptr;
+            if (const auto found = handles->find(handle); found != handles->end()) {
+                key = found->second;
+                return key->isDeleted ? ERROR_KEY_DELETED : ERROR_SUCCESS;
+            }
+        return ERROR_INVALID_HANDLE;
     }
 
-    HKEY Open(KeyPtr key)
+    HKEY Open(KeyPtr key, bool toRead)
     {
         const auto handle = reinterpret_cast<HKEY>(nextHandle_);
         nextHandle_ += 4;
         open.emplace(handle, std::move(key));
+        if (toRead)
+            readOnly.insert(handle);
         return handle;
     }
 
@@ -86,24 +105,28 @@ std::vector<std::wstring> PathNames(const char* function, LPCWSTR path)
     return names;
 }
 
-LSTATUS OpenPath(const char* function, HKEY key, LPCWSTR path, PHKEY result)
+LSTATUS OpenPath(const char* function, HKEY key, LPCWSTR path, bool toRead, PHKEY result)
 {
     if (const auto code = Intercepted(function))
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
     for (const std::wstring& name : PathNames(function, path)) {
         const auto next = found->subKeys.find(name);
         if (next == found->subKeys.end())
             return ERROR_FILE_NOT_FOUND;
         found = next->second;
     }
-    *result = registry.Open(std::move(found));
+    *result = registry.Open(std::move(found), toRead);
     return ERROR_SUCCESS;
 }
+
+bool IsText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
+
+bool IsNul(const BYTE* unit) { return unit[0] == 0 && unit[1] == 0; }
 
 }  // namespace
 
@@ -117,14 +140,14 @@ void winapi::internal::CountRegistry(Holdings& holdings)
 
 LSTATUS WINAPI RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result)
 {
-    return OpenPath("RegOpenKeyW", key, subKey, result);
+    return OpenPath("RegOpenKeyW", key, subKey, false, result);
 }
 
 LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result)
 {
     if (options != 0 || access != KEY_READ)
         Unsupported("RegOpenKeyExW", "options or an access other than KEY_READ");
-    return OpenPath("RegOpenKeyExW", key, subKey, result);
+    return OpenPath("RegOpenKeyExW", key, subKey, true, result);
 }
 
 LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options, REGSAM access,
@@ -137,9 +160,9 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR 
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
     const bool wantsVolatile = (options & REG_OPTION_VOLATILE) != 0;
     for (const std::wstring& name : PathNames("RegCreateKeyExW", subKey)) {
         KeyPtr& next = found->subKeys[name];
@@ -153,7 +176,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR 
         }
         found = next;
     }
-    *result = registry.Open(std::move(found));
+    *result = registry.Open(std::move(found), false);
     return ERROR_SUCCESS;
 }
 
@@ -169,12 +192,14 @@ LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classLength, 
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    const KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
     if (keyClass != nullptr) {
-        if (classLength == nullptr || *classLength == 0)
+        if (classLength == nullptr)
             return ERROR_INVALID_PARAMETER;
+        if (*classLength == 0)
+            Unsupported("RegQueryInfoKeyW", "a class buffer without room");
         keyClass[0] = L'\0';
     }
     if (classLength != nullptr)
@@ -195,9 +220,9 @@ LSTATUS WINAPI RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLen
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    const KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
     if (index >= found->subKeys.size())
         return ERROR_NO_MORE_ITEMS;
     const std::wstring& subKey = std::next(found->subKeys.begin(), static_cast<std::ptrdiff_t>(index))->first;
@@ -218,9 +243,9 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
         return ERROR_INVALID_PARAMETER;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    const KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
     const auto value = found->values.find(name);
     if (value == found->values.end())
         return ERROR_FILE_NOT_FOUND;
@@ -235,7 +260,10 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
         return ERROR_SUCCESS;
     if (room < stored.size())
         return ERROR_MORE_DATA;
-    std::copy(stored.begin(), stored.end(), data);
+    BYTE* const end = std::copy(stored.begin(), stored.end(), data);
+    // A text that lacks its terminator is given one where there is room, uncounted.
+    if (IsText(value->second.type) && stored.size() >= 2 && room - stored.size() >= 2 && !IsNul(end - 2))
+        std::fill_n(end, 2, BYTE{0});
     return ERROR_SUCCESS;
 }
 
@@ -247,9 +275,15 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    const KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
+    if (registry.readOnly.contains(key))
+        return ERROR_ACCESS_DENIED;
+    // A text that lacks its terminator, but has it right behind, is stored with it.
+    const DWORD wholeUnits = size / 2 * 2;
+    if (IsText(type) && wholeUnits != 0 && !IsNul(data + wholeUnits - 2) && IsNul(data + wholeUnits))
+        size += 2;
     found->values[name] = Value{type, size == 0 ? std::vector<BYTE>() : std::vector<BYTE>(data, data + size)};
     return ERROR_SUCCESS;
 }
@@ -263,10 +297,15 @@ LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey)
         return *code;
     Registry& registry = Registry::Instance();
     const std::lock_guard lock(registry.mutex);
-    const KeyPtr found = registry.Find(key);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
-    return found->subKeys.erase(names.front()) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
+        return status;
+    const auto tree = found->subKeys.find(names.front());
+    if (tree == found->subKeys.end())
+        return ERROR_FILE_NOT_FOUND;
+    MarkDeleted(*tree->second);
+    found->subKeys.erase(tree);
+    return ERROR_SUCCESS;
 }
 
 LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement)
@@ -281,9 +320,9 @@ LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement)
         registry.overrides.erase(key);
         return ERROR_SUCCESS;
     }
-    KeyPtr found = registry.Find(replacement);
-    if (!found)
-        return ERROR_INVALID_HANDLE;
+    KeyPtr found;
+    if (const LSTATUS status = registry.Find(replacement, found); status != ERROR_SUCCESS)
+        return status;
     registry.overrides[key] = std::move(found);
     return ERROR_SUCCESS;
 }
@@ -295,6 +334,7 @@ LSTATUS WINAPI RegCloseKey(HKEY key)
     const std::lock_guard lock(registry.mutex);
     if (registry.roots.contains(key))
         return code.value_or(ERROR_SUCCESS);
+    registry.readOnly.erase(key);
     if (registry.open.erase(key) == 0)
         return ERROR_INVALID_HANDLE;
     return code.value_or(ERROR_SUCCESS);
