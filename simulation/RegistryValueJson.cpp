@@ -80,11 +80,11 @@ RegistryValue ReadRegistryValue(const JsonPlace& place)
     const auto number = place.Optional("number");
     const auto bytes = place.Optional("bytes");
     if ((text ? 1 : 0) + (number ? 1 : 0) + (bytes ? 1 : 0) != 1)
-        place.Refuse("must have exactly one of \"text\", \"number\" and \"bytes\"");
+        place.Refuse(R"(must have exactly one of "text", "number" and "bytes")");
     const auto terminators = place.Optional("terminators");
     const auto extraBytes = place.Optional("extraBytes");
     if (!text && (terminators || extraBytes))
-        place.Refuse("may have \"terminators\" and \"extraBytes\" with \"text\" only");
+        place.Refuse(R"(may have "terminators" and "extraBytes" with "text" only)");
     if (text) {
         value.data =
             TextData(Utf8ToUtf16(text->Text()), terminators ? static_cast<unsigned>(terminators->Number(0, 1000)) : 1);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -20,7 +21,10 @@ struct PartAddress {
     std::wstring deviceId;
     UINT localId = 0;
 
-    auto operator<=>(const PartAddress&) const = default;
+    bool operator<(const PartAddress& other) const
+    {
+        return std::tie(deviceId, localId) < std::tie(other.deviceId, other.localId);
+    }
 };
 
 enum class SelectorKind { None, Input, Output };

@@ -56,9 +56,9 @@ bool Holds(const TopologyDescription& topology, UINT localId)
 
 void RefuseUnknownNeighbours(const std::vector<JsonPlace>& places, const TopologyDescription& topology)
 {
-    for (std::size_t index = 0; index < places.size(); ++index)
+    for (const JsonPlace& place : places)
         for (const char* const name : {"incoming", "outgoing"})
-            if (const auto list = places[index].Optional(name))
+            if (const auto list = place.Optional(name))
                 for (const JsonPlace& element : list->Elements())
                     if (!Holds(topology, ReadUnsigned(element)))
                         element.Refuse("is no part of this topology");
@@ -97,7 +97,7 @@ PpApiPin ReadPin(const JsonPlace& place)
     const auto modules = place.Optional("modules");
     const auto reply = place.Optional("reply");
     if (modules && reply)
-        place.Refuse("may have one of \"modules\" and \"reply\"");
+        place.Refuse(R"(may have one of "modules" and "reply")");
     if (modules)
         pin.reply = ReadModuleList(*modules);
     else if (reply)

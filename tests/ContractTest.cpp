@@ -74,7 +74,7 @@ TEST_F(RegistryContract, ValuesComeBackAsStored)
         Bytes stored;
         BYTE behind = Untouched;  // in a buffer with room: a text that lacks its terminator is given one
     } rows[] = {
-        {REG_SZ, {'a', 0, 0, 0, 9, 9}, 4, {'a', 0, 0, 0}},
+        {REG_SZ, {'a', 0, 0, 0, 0, 0}, 4, {'a', 0, 0, 0}},
         {REG_SZ, {'a', 0, 'b', 0, 9, 9}, 4, {'a', 0, 'b', 0}, 0},
         {REG_SZ, {'a', 0, 0, 0, 9, 9}, 2, {'a', 0, 0, 0}},  // the terminator right behind it is taken in
         {REG_SZ, {'a', 0, 'b', 9, 9, 9}, 3, {'a', 0, 'b'}, 0},

@@ -51,7 +51,7 @@ std::optional<ULONG> ReadOffloadPin(IKsControl& control, IPart& connectorPart)
     KsNodeRequest request(AudioEngineSet, AudioEngineDescriptorId, KsFlagGet | KsFlagTopology, localId & 0xFFFF);
     std::uint8_t reply[AudioEngineDescriptorSize] = {};
     ULONG returned = 0;
-    if (FAILED(control.KsProperty(request.Property(), request.Size(), reply, sizeof(reply), &returned)))
+    if (FAILED(control.KsProperty(request.Property(), KsNodeRequest::Size(), reply, sizeof(reply), &returned)))
         return std::nullopt;
     return ReadNumber(reply, OffloadPinField);
 }

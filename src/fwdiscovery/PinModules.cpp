@@ -45,7 +45,8 @@ bool SpeaksPpApi(IKsControl& control, ULONG pinId)
     KsPinRequest request(PpApiSet, VersionTestId, KsFlagGet, pinId);
     std::uint8_t version[VersionReplySize] = {};
     ULONG returned = 0;
-    return SUCCEEDED(control.KsProperty(request.Property(), request.Size(), version, sizeof(version), &returned)) &&
+    return SUCCEEDED(
+               control.KsProperty(request.Property(), KsPinRequest::Size(), version, sizeof(version), &returned)) &&
            version[0] == PpApiVersion;
 }
 
@@ -55,11 +56,12 @@ Bytes ReadModuleList(IKsControl& control, ULONG pinId)
     ModuleListRequest request(PpApiSet, ModuleListId, KsFlagGet, pinId);
     request.SetExtra(ModuleListSelector);
     ULONG size = 0;
-    if (FAILED(control.KsProperty(request.Property(), request.Size(), nullptr, 0, &size)) || size > MaxReplySize)
+    if (FAILED(control.KsProperty(request.Property(), ModuleListRequest::Size(), nullptr, 0, &size)) ||
+        size > MaxReplySize)
         return {};
     Bytes reply(size, 0);
     ULONG returned = 0;
-    if (FAILED(control.KsProperty(request.Property(), request.Size(), reply.data(), size, &returned)))
+    if (FAILED(control.KsProperty(request.Property(), ModuleListRequest::Size(), reply.data(), size, &returned)))
         return {};
     reply.resize(std::min(returned, size));
     return reply;

@@ -136,10 +136,10 @@ bool IsWindows8Point1OrGreater()
     version.dwMajorVersion = 6;
     version.dwMinorVersion = 3;
     version.wServicePackMajor = 0;
-    ULONGLONG condition = 0;
+    ULONGLONG mask = 0;
     for (const DWORD type : {VER_MAJORVERSION, VER_MINORVERSION, VER_SERVICEPACKMAJOR})
-        condition = VerSetConditionMask(condition, type, VER_GREATER_EQUAL);
-    return VerifyVersionInfoW(&version, VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR, condition) != FALSE;
+        mask = VerSetConditionMask(mask, type, VER_GREATER_EQUAL);
+    return VerifyVersionInfoW(&version, VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR, mask) != FALSE;
 }
 
 }  // namespace qov

@@ -36,4 +36,4 @@ void QovXml::ConfigureQovXmls(const Config& config, ILogger& logger)
     logger.Log(LogLevel::Info, L"QovXml: ConfigureQovXmls() completed successfully");
 }
 
-QovXml& QovXml::operator=(const QovXml&) { return *this; }
+QovXml& QovXml::operator=(const QovXml&) = default;

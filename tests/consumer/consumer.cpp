@@ -16,7 +16,7 @@ int main(int, char** argv)
     try {
         QovXml::ConfigureQovXmls({argv[1], argv[2], argv[3]}, logger);
     } catch (const std::exception& failure) {
-        std::cerr << "The QOV files could not be configured: " << failure.what() << '\n';
+        std::wclog << L"The QOV files could not be configured: " << failure.what() << std::endl;
         return 1;
     }
     return 0;
