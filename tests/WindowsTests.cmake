@@ -37,3 +37,18 @@ add_wine_test(scenarios win10 scenario_tests "-${excluded}")
 list(TRANSFORM windows8 PREPEND "*/")
 list(JOIN windows8 ":" included)
 add_wine_test(scenarios-windows8 win8 scenario_tests "${included}")
+
+add_test(NAME dll COMMAND ${CMAKE_COMMAND}
+  -D DLL=$<TARGET_FILE:QovXml>
+  -D PROGRAM=$<TARGET_FILE:qovxml-configure>
+  -D LAUNCHER=${CMAKE_CROSSCOMPILING_EMULATOR}
+  -D VERSION=${PROJECT_VERSION}
+  -D OBJDUMP=${CMAKE_OBJDUMP}
+  -D OBJCOPY=${CMAKE_OBJCOPY}
+  -D SCRATCH=${CMAKE_CURRENT_BINARY_DIR}
+  -P ${CMAKE_CURRENT_SOURCE_DIR}/dll-test.cmake)
+
+# Wine's own audio devices, with nothing simulated.
+add_test(NAME wine-audio COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/wine-audio-test $<TARGET_FILE:qovxml-configure>
+  ${PROJECT_SOURCE_DIR}/examples/xml ${PROJECT_BINARY_DIR}/wine-audio)
+set_tests_properties(wine-audio PROPERTIES LABELS wine-audio)
