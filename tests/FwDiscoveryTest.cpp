@@ -20,21 +20,15 @@ using simulation::SelectorKind;
 constexpr GUID Spatialf{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x99, 0x9B, 0x3F, 0x74, 0x45}};
 constexpr wchar_t Adapter[] = L"adapter";
 
-PartDescription ConnectorPart(UINT id, ConnectorType type, std::vector<UINT> neighbours = {})
+PartDescription Subunit(UINT id, const std::vector<UINT>& neighbours, SelectorKind selector = SelectorKind::None)
 {
-    PartDescription part;
-    part.localId = id;
-    part.connectorType = type;
-    part.incoming = part.outgoing = std::move(neighbours);
-    return part;
+    return {id, {}, {}, neighbours, neighbours, selector};
 }
 
-PartDescription Subunit(UINT id, std::vector<UINT> neighbours, SelectorKind selector = SelectorKind::None)
+PartDescription ConnectorPart(UINT id, ConnectorType type, const std::vector<UINT>& neighbours = {})
 {
-    PartDescription part;
-    part.localId = id;
-    part.incoming = part.outgoing = std::move(neighbours);
-    part.selector = selector;
+    PartDescription part = Subunit(id, neighbours);
+    part.connectorType = type;
     return part;
 }
 
@@ -92,26 +86,14 @@ struct FwRun {
 TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
 {
     const FwRun render(Machine(eRender, StraightPath()));
-    const std::string pinRequest = "37cee9ba99aac74b9bdf4cbf3d23e1b9";  // the property set in its memory layout
-    const std::string pin5 = "0500000000000000";
-    EXPECT_EQ(render.Arguments("IKsControl::KsProperty"),
-              (std::vector<std::string>{"dc822f3a6f88aa4b9eb4082b9025c536"
-                                        "06000000"
-                                        "01000010"
-                                        "02000000"
-                                        "00000000, data 12",
-                                        pinRequest +
-                                            "00000000"
-                                            "01000000" +
-                                            pin5 + ", data 5",
-                                        pinRequest +
-                                            "01000000"
-                                            "01000000" +
-                                            pin5 + "7e2f8ec13d936549b7d11eef228d2af3, no data 0",
-                                        pinRequest +
-                                            "01000000"
-                                            "01000000" +
-                                            pin5 + "7e2f8ec13d936549b7d11eef228d2af3, data 156"}));
+    // Property set (in its memory layout), property id, flags, pin or node, reserved; the list request's selector.
+    const std::string descriptor = "dc822f3a6f88aa4b9eb4082b9025c536" + std::string("06000000010000100200000000000000");
+    const std::string version = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("00000000010000000500000000000000");
+    const std::string list = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("01000000010000000500000000000000") +
+                             "7e2f8ec13d936549b7d11eef228d2af3";
+    const std::vector<std::string> requests = {descriptor + ", data 12", version + ", data 5", list + ", no data 0",
+                                               list + ", data 156"};
+    EXPECT_EQ(render.Arguments("IKsControl::KsProperty"), requests);
     EXPECT_EQ(render.machine.Selection({Adapter, 0x20007}), 0x10001u);
     ASSERT_EQ(render.modules.size(), 1u);
     EXPECT_EQ(render.modules[0].PropertyPinId, 5u);
@@ -142,30 +124,24 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
         const char* name;
         simulation::PpApiPin pin;
         std::size_t modules;
-        const wchar_t* countLine;  // null: none
+        const wchar_t* count;  // as logged; null: not logged
     } rows[] = {
-        {"as it should be", {5, {1}, one, {}, {}}, 1, L"Modules count:1 modules size:156"},
-        {"room behind the modules", {5, {1}, one, 1000, {}}, 1, L"Modules count:1 modules size:156"},
+        {"as it should be", {5, {1}, one, {}, {}}, 1, L"1"},
+        {"room behind the modules", {5, {1}, one, 1000, {}}, 1, L"1"},
         {"no bytes", {5, {1}, Bytes{}, {}, {}}, 0, nullptr},
         {"seven bytes", {5, {1}, cut(7), {}, {}}, 0, nullptr},
-        {"head alone", {5, {1}, cut(8), {}, {}}, 0, L"Modules count:1 modules size:156"},
-        {"a byte short", {5, {1}, cut(155), {}, {}}, 0, L"Modules count:1 modules size:156"},
-        {"two promised", {5, {1}, claiming(2), {}, {}}, 0, L"Modules count:2 modules size:156"},
-        {"as many as can be said",
-         {5, {1}, claiming(0xFFFFFFFF), {}, {}},
-         0,
-         L"Modules count:4294967295 modules size:156"},
-        {"times 148 overflows to 0",
-         {5, {1}, claiming(0x40000000), {}, {}},
-         0,
-         L"Modules count:1073741824 modules size:156"},
-        {"fewer bytes returned than asked", {5, {1}, one, {}, 155}, 0, L"Modules count:1 modules size:156"},
+        {"head alone", {5, {1}, cut(8), {}, {}}, 0, L"1"},
+        {"a byte short", {5, {1}, cut(155), {}, {}}, 0, L"1"},
+        {"two promised", {5, {1}, claiming(2), {}, {}}, 0, L"2"},
+        {"as many as can be said", {5, {1}, claiming(0xFFFFFFFF), {}, {}}, 0, L"4294967295"},
+        {"times 148 overflows to 0", {5, {1}, claiming(0x40000000), {}, {}}, 0, L"1073741824"},
+        {"fewer bytes returned than asked", {5, {1}, one, {}, 155}, 0, L"1"},
         {"hardly any returned", {5, {1}, one, {}, 7}, 0, nullptr},
-        {"more bytes returned than asked", {5, {1}, one, 60, 0xFFFFFFFF}, 0, L"Modules count:1 modules size:156"},
+        {"more bytes returned than asked", {5, {1}, one, 60, 0xFFFFFFFF}, 0, L"1"},
         {"four gigabytes", {5, {1}, one, 0xFFFFFFFF, {}}, 0, nullptr},
         {"no version bytes", {5, {}, one, {}, {}}, 0, nullptr},
         {"another version", {5, {2, 1, 1, 1, 1}, one, {}, {}}, 0, nullptr},
-        {"a version longer than asked", {5, Bytes(4096, 1), one, {}, {}}, 1, L"Modules count:1 modules size:156"},
+        {"a version longer than asked", {5, Bytes(4096, 1), one, {}, {}}, 1, L"1"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -174,10 +150,11 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
         const FwRun run(described);
         EXPECT_EQ(run.message, "(nothing thrown)");
         EXPECT_EQ(run.modules.size(), row.modules);
-        const auto texts = run.logger.Texts();
-        const auto counted = std::find_if(texts.begin(), texts.end(),
-                                          [](const std::wstring& text) { return text.starts_with(L"Modules count:"); });
-        EXPECT_EQ(counted == texts.end() ? L"" : *counted, row.countLine == nullptr ? L"" : row.countLine);
+        std::wstring logged;
+        for (const std::wstring& text : run.logger.Texts())
+            logged += text.starts_with(L"Modules count:") ? text : L"";
+        EXPECT_EQ(logged,
+                  row.count == nullptr ? L"" : std::wstring(L"Modules count:") + row.count + L" modules size:156");
     }
 }
 
