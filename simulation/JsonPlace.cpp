@@ -1,5 +1,7 @@
 #include "JsonPlace.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <set>
 #include <stdexcept>

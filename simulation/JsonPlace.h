@@ -1,12 +1,13 @@
 // A value of a JSON document together with where it stands, so that what is wrong with it can be said with its place.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace simulation {

@@ -7,6 +7,8 @@
 #include "TopologyJson.h"
 #include "Utf16.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
