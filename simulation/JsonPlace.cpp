@@ -57,6 +57,10 @@ std::vector<std::pair<std::string, JsonPlace>> JsonPlace::Members() const
     return members;
 }
 
+bool JsonPlace::IsText() const { return value_->is_string(); }
+
+bool JsonPlace::IsNumber() const { return value_->is_number_integer(); }
+
 JsonPlace JsonPlace::Required(const std::string& name) const
 {
     if (auto member = Optional(name))

@@ -28,8 +28,8 @@ public:
     // The names and values of an object's members, by name.
     [[nodiscard]] std::vector<std::pair<std::string, JsonPlace>> Members() const;
 
-    [[nodiscard]] bool IsText() const { return value_->is_string(); }
-    [[nodiscard]] bool IsNumber() const { return value_->is_number_integer(); }
+    [[nodiscard]] bool IsText() const;
+    [[nodiscard]] bool IsNumber() const;
 
     // Of an object.
     [[nodiscard]] JsonPlace Required(const std::string& name) const;
