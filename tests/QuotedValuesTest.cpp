@@ -43,10 +43,10 @@ TEST(QuotedValuesTest, ReplacesTheValueOnTheFirstFittingLine)
     const std::string refusals[][3] = {
         {"", "v=' Id:a|'", noQuote},     {"", "id:a' ID:b' Id :c'", noTag}, {"", "", noTag},
         {"key", "Key Id:a'", noKeyword}, {"key", "key|Id:a'", noTag},       {"key", "key Id:a|Id:b'", noQuote}};
-    for (const auto& [keyword, text, message] : refusals) {
-        LineFile lines = Lines(text);
-        EXPECT_EQ(MessageOf([&] { SetQuotedValue(lines, keyword, "Id:", "new"); }), message) << text;
-        EXPECT_EQ(lines, Lines(text));
+    for (const auto& row : refusals) {
+        LineFile lines = Lines(row[1]);
+        EXPECT_EQ(MessageOf([&] { SetQuotedValue(lines, row[0], "Id:", "new"); }), row[2]) << row[1];
+        EXPECT_EQ(lines, Lines(row[1]));
     }
 }
 
