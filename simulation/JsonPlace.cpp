@@ -106,7 +106,7 @@ json ParseJson(const std::string& text, const std::string& source)
     };
     try {
         return json::parse(text, watch);
-    } catch (const json::parse_error& error) {
+    } catch (const json::exception& error) {
         throw std::runtime_error(source + ": " + error.what());
     }
 }

@@ -10,7 +10,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -20,16 +19,21 @@ namespace simulation {
 
 namespace {
 
+// A text of one to `most` digits of the base.
+bool IsNumberText(const std::string& text, std::size_t most, const char* digits)
+{
+    return !text.empty() && text.size() <= most && text.find_first_not_of(digits) == std::string::npos;
+}
+
 WindowsVersion ReadVersion(const JsonPlace& place)
 {
     const std::string text = place.Text();
-    unsigned major = 0;
-    unsigned minor = 0;
-    int used = 0;
-    if (std::sscanf(text.c_str(), "%3u.%3u%n", &major, &minor, &used) != 2 ||
-        static_cast<std::size_t>(used) != text.size())
+    const std::size_t point = std::min(text.find('.'), text.size());
+    const std::string major = text.substr(0, point);
+    const std::string minor = text.substr(std::min(point + 1, text.size()));
+    if (!IsNumberText(major, 3, "0123456789") || !IsNumberText(minor, 3, "0123456789"))
         place.Refuse("must be \"major.minor\"");
-    return {static_cast<WORD>(major), static_cast<WORD>(minor)};
+    return {static_cast<WORD>(std::stoul(major)), static_cast<WORD>(std::stoul(minor))};
 }
 
 Endpoint ReadEndpoint(const JsonPlace& place)
@@ -71,8 +75,9 @@ std::vector<std::wstring> ReadKeyNames(const JsonPlace& place, EDataFlow flow, c
     std::vector<std::wstring> names;
     for (const JsonPlace& element : place.Elements()) {
         names.push_back(ReadWideText(element));
-        if (names.back().empty() || names.back().size() > 255 || names.back().find(L'\\') != std::wstring::npos)
-            element.Refuse("must be a key name: 1 to 255 characters, no backslash");
+        if (names.back().empty() || names.back().size() > 255 ||
+            names.back().find_first_of(std::wstring(L"\\\0", 2)) != std::wstring::npos)
+            element.Refuse("must be a key name: 1 to 255 characters, no backslash and no NUL");
         if (!seen.insert(FoldCase(names.back())).second)
             element.Refuse("is the name of another key");
     }
@@ -95,12 +100,10 @@ Fault ReadFault(const JsonPlace& place)
         fault.occurrence = static_cast<unsigned>(occurrence->Number(1, 1000000));
     const JsonPlace result = place.Required("result");
     if (result.IsText()) {
-        unsigned code = 0;
-        int used = 0;
         const std::string text = result.Text();
-        if (std::sscanf(text.c_str(), "0x%8x%n", &code, &used) != 1 || static_cast<std::size_t>(used) != text.size())
+        if (!text.starts_with("0x") || !IsNumberText(text.substr(2), 8, "0123456789abcdefABCDEF"))
             result.Refuse("must be a number or a text like \"0x80004005\"");
-        fault.result = static_cast<LONG>(code);
+        fault.result = static_cast<LONG>(std::stoul(text, nullptr, 16));
     } else {
         fault.result = static_cast<LONG>(result.Number(INT32_MIN, INT32_MAX));
     }

@@ -1,5 +1,7 @@
 #include "RegistryImage.h"
 
+#include "Utf16.h"
+
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -31,6 +33,9 @@ public:
 
     void Write(const RegistryValue& value) const
     {
+        if (RegQueryValueExW(key_, value.name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
+            throw std::runtime_error("The simulated registry cannot hold the value " + Utf16ToUtf8(value.name) +
+                                     " twice: it takes no account of letter case");
         // Windows adds a terminator to a text that lacks one where the unit behind it is NUL: put another one there.
         Bytes data = value.data;
         data.insert(data.end(), 2, 0xFF);

@@ -118,7 +118,7 @@ TEST(BlocksTest, RefusesABlockThatWouldNotSurvive)
          "<@ n='Zan'>||#<@ n='b'>|</@>|</@>", "<@ n='Zan'>|#<@>|</@>|</@>", "<@ n='Zan'>|#<@/>|</@>",
          "<@ n='Zan'>|#<@\tn='b'>|</@>|</@>", "<@ n='Zan'>|x #<@|n='b'>|</@>|</@>", "|<@ n='Zan'>#<@ n='b'>|</@>|</@>",
          "<@ n='Zan'>|<@Ref/>#<@ n='b'></@>|</@>", "<@ n='a'>|</@>|Zan|#<@ n='Zan'>|</@>",
-         "<@ n='a'>|#</@><@ n='Zan'>|</@>", "<@ n='Zan'>|</@>#<@ n='b'>|</@>",
+         "<@ n='a'>|#</@><@ n='Zan'>|</@>", "<@ n='Zan'>|</@>#<@ n='b'>|</@>", "<@ n='o'>|<@ n='i'>|#</@>|Zan|</@>",
          // An element without an end tag of its own.
          "<@ n='a'>|#<@ n='Zan'/>|</@>", "<@ n='a'>|#<@ n='Zan' v=\"'>\" w='>\"' />|</@>",
          "<@ n='a'>|<@|n='Zan'|v='a>b'|#/>|</@>",
@@ -128,7 +128,8 @@ TEST(BlocksTest, RefusesABlockThatWouldNotSurvive)
         {"[<@ n='Zan'>||#<@ n='b'>|</@>]|</@>", "[<@ n='a'>|</@>]|Zan|#[<@ n='b'>|</@>]",
          "<@ n='a'>|#[</@><@ n='Zan'>|</@>]", "<@ n='a'>|#[<@ n='Zan'/>|</@>]",
          // Comment markers in other places than disabling sets them.
-         "|  #[<@ n='Zan'>|</@>]", "<@ n='Zan'> #[ x ]|</@>]", "[<@ n='Zan'>||#</@>", "[<@ n='Zan'>||#</@>] "}};
+         "|  #[<@ n='Zan'>|</@>]", "<@ n='Zan'> #[ x ]|</@>]", "[<@ n='Zan'>||#</@>", "[<@ n='Zan'>||#</@>] ",
+         "[<@ n='Zan'>|#</@>] [ x ]", "#[<@ n='Zan'>]|[ x ]|[</@>]", "#[ x ]<@ n='Zan'>|</@>[ x ]"}};
     for (const Kind& kind : Kinds) {
         for (const Way way : {Disable, Enable}) {
             for (std::string text : texts[way]) {

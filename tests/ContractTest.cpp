@@ -3,16 +3,13 @@
 
 #include <gtest/gtest.h>
 #include <objbase.h>
-#include <propidl.h>
 
-#include <cwchar>
 #include <functional>
 #include <random>
 #include <set>
 #include <string>
 #include <thread>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -66,32 +63,27 @@ private:
 TEST_F(RegistryContract, ValuesComeBackAsStored)
 {
     using Bytes = std::vector<BYTE>;
-    constexpr BYTE Untouched = 0xEE;
     const struct {
         DWORD type;
         Bytes given;  // with what happens to be behind the value
         DWORD size;
         Bytes stored;
-        BYTE behind = Untouched;  // in a buffer with room: a text that lacks its terminator is given one
     } rows[] = {
         {REG_SZ, {'a', 0, 0, 0, 0, 0}, 4, {'a', 0, 0, 0}},
-        {REG_SZ, {'a', 0, 'b', 0, 9, 9}, 4, {'a', 0, 'b', 0}, 0},
+        {REG_SZ, {'a', 0, 'b', 0, 9, 9}, 4, {'a', 0, 'b', 0}},
         {REG_SZ, {'a', 0, 0, 0, 9, 9}, 2, {'a', 0, 0, 0}},  // the terminator right behind it is taken in
-        {REG_SZ, {'a', 0, 'b', 9, 9, 9}, 3, {'a', 0, 'b'}, 0},
+        {REG_SZ, {'a', 0, 'b', 9, 9, 9}, 3, {'a', 0, 'b'}},
         {REG_SZ, {9, 9}, 0, {}},
-        {REG_EXPAND_SZ, {'%', 0, 9, 9}, 2, {'%', 0}, 0},
-        {REG_MULTI_SZ, {'a', 0, 0, 0}, 2, {'a', 0, 0, 0}},
-        {REG_BINARY, {1, 2, 3, 4, 0, 0}, 4, {1, 2, 3, 4}},
         {REG_BINARY, {1, 0, 0}, 1, {1}},
         {REG_BINARY, {0, 0}, 0, {}},
         {REG_DWORD, {1, 2, 0, 0}, 2, {1, 2}},
         {REG_QWORD, {1, 2, 3, 4, 5, 6, 7, 8}, 8, {1, 2, 3, 4, 5, 6, 7, 8}},
-        {0x12345, {1, 2, 0, 0}, 2, {1, 2}},
     };
     EXPECT_EQ(Find(root_, L"Value"), ERROR_FILE_NOT_FOUND);
     for (const auto& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
         const auto length = static_cast<DWORD>(row.stored.size());
+        Bytes buffer(16);
         const auto query = [&](DWORD room, BYTE* data) {
             DWORD type = ~row.type;
             const LSTATUS result = RegQueryValueExW(root_, L"Value", nullptr, &type, data, &room);
@@ -100,18 +92,10 @@ TEST_F(RegistryContract, ValuesComeBackAsStored)
         };
         EXPECT_EQ(RegSetValueExW(root_, L"Value", 0, row.type, row.given.data(), row.size), ERROR_SUCCESS);
         EXPECT_EQ(query(0, nullptr), ERROR_SUCCESS);
-        Bytes buffer(16);
         for (DWORD room = 0; room < length; ++room)
             EXPECT_EQ(query(room, buffer.data()), ERROR_MORE_DATA) << room;
-        for (const DWORD spare : {0u, 4u}) {
-            Bytes expected = row.stored;
-            expected.resize(length + 2, spare == 0 ? Untouched : row.behind);
-            expected.resize(buffer.size(), Untouched);
-            buffer.assign(buffer.size(), Untouched);
-            EXPECT_EQ(query(length + spare, buffer.data()), ERROR_SUCCESS) << spare;
-            EXPECT_EQ(buffer, expected) << spare;
-        }
-        EXPECT_EQ(RegQueryValueExW(root_, L"Value", nullptr, nullptr, buffer.data(), nullptr), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(query(length, buffer.data()), ERROR_SUCCESS);
+        EXPECT_EQ(Bytes(buffer.data(), buffer.data() + length), row.stored);
     }
 }
 
@@ -154,15 +138,6 @@ TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
     EXPECT_EQ(Count(root_, nullptr), ERROR_INVALID_PARAMETER);
 }
 
-TEST_F(RegistryContract, ChildrenOfVolatileKeysAreVolatile)
-{
-    EXPECT_EQ(Create(root_, L"New", 0), ERROR_CHILD_MUST_BE_VOLATILE);
-    EXPECT_EQ(Create(root_, L"New\\Inner", 0), ERROR_CHILD_MUST_BE_VOLATILE);
-    EXPECT_EQ(Open(root_, L"New"), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Create(root_, L"New"), ERROR_SUCCESS);
-    EXPECT_EQ(Create(root_, L"New", 0), ERROR_SUCCESS) << "the key is there";
-}
-
 TEST_F(RegistryContract, PredefinedKeyIsAnotherOneWhileOverridden)
 {
     EXPECT_EQ(Create(root_, (name_ + L"\\Inner").c_str()), ERROR_SUCCESS);
@@ -177,35 +152,6 @@ TEST_F(RegistryContract, PredefinedKeyIsAnotherOneWhileOverridden)
     EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, name_.c_str()), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(Open(openedMeanwhile, L"Inner"), ERROR_SUCCESS);
     EXPECT_EQ(RegOverridePredefKey(root_, root_), ERROR_INVALID_HANDLE);
-}
-
-TEST_F(RegistryContract, HandlesOfDeletedAndClosedKeysServeNothing)
-{
-    const auto callAll = [this](HKEY key) {
-        DWORD classLength = 16;
-        return std::vector{Set(key, L"Value"),       Find(key, L"Value"),        Create(key, L"Sub\\Inner"),
-                           Open(key, L"Sub"),        OpenToRead(key, L"Sub"),    List(key, 0, 16),
-                           Count(key, &classLength), RegDeleteTreeW(key, L"Sub")};
-    };
-    const auto all = [](LSTATUS result) { return std::vector<LSTATUS>(8, result); };
-    EXPECT_EQ(Create(root_, L"Tree"), ERROR_SUCCESS);
-    const HKEY tree = key_;
-    EXPECT_EQ(Create(tree, L"Inner"), ERROR_SUCCESS);
-    const HKEY inner = key_;
-    EXPECT_EQ(callAll(inner), all(ERROR_SUCCESS));
-    EXPECT_EQ(OpenToRead(tree, L"Inner"), ERROR_SUCCESS);
-    EXPECT_EQ(Set(key_, L"Value"), ERROR_ACCESS_DENIED);
-
-    EXPECT_EQ(RegDeleteTreeW(root_, L"tREE"), ERROR_SUCCESS);
-    EXPECT_EQ(RegDeleteTreeW(root_, L"Tree"), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Open(root_, L"Tree"), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(Create(root_, L"Tree"), ERROR_SUCCESS);
-    EXPECT_EQ(Open(key_, L"Inner"), ERROR_FILE_NOT_FOUND) << "a new key";
-    EXPECT_EQ(callAll(tree), all(ERROR_KEY_DELETED));
-    EXPECT_EQ(callAll(inner), all(ERROR_KEY_DELETED));
-    EXPECT_EQ(Close(inner), ERROR_SUCCESS);
-    EXPECT_EQ(callAll(inner), all(ERROR_INVALID_HANDLE));
-    EXPECT_EQ(RegCloseKey(inner), ERROR_INVALID_HANDLE);
 }
 
 constexpr GUID ClassId{0x0a1b2c3d, 0x4e5f, 0xa6b7, {0x08, 0x19, 0x2a, 0x3b, 0x4c, 0x5d, 0x6e, 0xff}};
@@ -231,19 +177,6 @@ TEST(ComContract, ClassIdsAreTexts)
     EXPECT_STREQ(written, upper);
     CoTaskMemFree(written);
     CoTaskMemFree(nullptr);
-}
-
-TEST(ComContract, ClearedValuesAreEmpty)
-{
-    for (const VARTYPE type : {VT_EMPTY, VT_UI4, VT_LPWSTR}) {
-        PROPVARIANT value;
-        PropVariantInit(&value);
-        value.vt = type;
-        if (type == VT_LPWSTR)
-            value.pwszVal = std::wcscpy(static_cast<LPWSTR>(CoTaskMemAlloc(2 * sizeof(WCHAR))), L"a");
-        EXPECT_EQ(PropVariantClear(&value), S_OK);
-        EXPECT_EQ(value.vt, VT_EMPTY);
-    }
 }
 
 void OnThread(const std::function<void()>& action) { std::thread(action).join(); }
@@ -310,7 +243,6 @@ HRESULT Register(IUnknown& classObject, DWORD& cookie)
 void CheckClassObjects(DWORD apartment)
 {
     SCOPED_TRACE(apartment);
-    constexpr auto OwnFailure = static_cast<HRESULT>(0x80041234);
     Counted product, factory;
     factory.product = &product;
     DWORD cookie = 0;
@@ -319,33 +251,18 @@ void CheckClassObjects(DWORD apartment)
     EXPECT_EQ(Register(factory, cookie), S_OK);
     const ULONG registered = factory.references;
     for (const auto& [riid, answer, expected] : {std::tuple(__uuidof(IUnknown), E_OUTOFMEMORY, E_OUTOFMEMORY),
-                                                 {__uuidof(IUnknown), OwnFailure, OwnFailure},
                                                  {__uuidof(IClassFactory), S_OK, E_NOINTERFACE},
                                                  {__uuidof(IUnknown), S_OK, S_OK}}) {
         factory.answer = answer;
         void* object = &factory;
         EXPECT_EQ(Instantiate(riid, &object), expected);
         EXPECT_EQ(object, expected == S_OK ? &product : nullptr);
-        EXPECT_EQ(std::exchange(product.references, 0), expected == S_OK ? 1u : 0u);
+        EXPECT_EQ(product.references, expected == S_OK ? 1u : 0u);
         EXPECT_EQ(factory.references, registered);
     }
-    EXPECT_EQ(CoCreateInstance(ClassId, nullptr, CLSCTX_ALL, __uuidof(IUnknown), nullptr), E_POINTER);
-    for (const DWORD other : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED}) {
-        const bool shared = apartment == COINIT_MULTITHREADED && other == COINIT_MULTITHREADED;
-        OnThread([=] {
-            EXPECT_EQ(CoInitializeEx(nullptr, other), S_OK);
-            EXPECT_EQ(Instantiate(), shared ? S_OK : REGDB_E_CLASSNOTREG) << other;
-            EXPECT_EQ(shared ? RPC_E_WRONG_THREAD : CoRevokeClassObject(cookie), RPC_E_WRONG_THREAD) << other;
-            CoUninitialize();
-        });
-    }
     EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
-    EXPECT_EQ(CoRevokeClassObject(cookie), E_INVALIDARG);
     EXPECT_EQ(factory.references, 0u);
     EXPECT_EQ(Instantiate(), REGDB_E_CLASSNOTREG);
-    EXPECT_EQ(Register(product, cookie), S_OK);
-    EXPECT_EQ(Instantiate(), E_NOINTERFACE) << "not a factory";
-    EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
     CoUninitialize();
 }
 

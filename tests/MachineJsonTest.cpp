@@ -37,8 +37,6 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         std::string reason;  // a part of it, behind the place
     } rows[] = {
         {"{\n\"windowsVersion\": ?}", "line 2", "syntax error"},
-        {"[]", "/: ", "object"},
-        {R"({"endpoints": []})", "/: ", "windowsVersion"},
         {R"({"windowsVersion": "10", "endpoints": []})", "/windowsVersion: ", "major.minor"},
         {Machine("", R"(, "colour": 1)"), "/: ", "colour"},
         {Machine("", R"(, "endpoints": [])"), "endpoints", "twice"},
@@ -48,21 +46,13 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         {Machine(Endpoint(flow, "0A000000-0000-4000-8000-0000000000FF")), "/endpoints/0/guid: ", "brace"},
         {Machine(Endpoint(flow + R"(, "registered": false, "properties": {})")), "/endpoints/0: ", "registered"},
         {Machine(Endpoint(flow) + ", " + Endpoint(flow)), "/endpoints/1/guid: ", "earlier"},
-        {WithValue("true"), value + ": ", "object"},
-        {WithValue("-1"), value + ": ", "from 0"},
         {WithValue("4294967296"), value + ": ", "to 4294967295"},
-        {WithValue(R"({"type": "REG_TEXT", "text": "x"})"), value + "/type: ", "type"},
         {WithValue(R"({"type": "REG_SZ", "text": "x", "bytes": "00"})"), value + ": ", "one of"},
         {WithValue(R"({"type": "REG_SZ", "number": 1})"), value + "/number: ", "REG_SZ"},
-        {WithValue(R"({"type": "REG_SZ", "text": "x", "terminators": -1})"), value + "/terminators: ", "from 0"},
         {WithValue(R"({"type": "REG_SZ", "text": "x", "extraBytes": "4"})"), value + "/extraBytes: ", "hexadecimal"},
-        {WithValue(R"({"type": "REG_BINARY", "bytes": "00", "terminators": 1})"), value + ": ", "terminators"},
-        {WithValue(R"({"type": "REG_BINARY", "bytes": "0g"})"), value + "/bytes: ", "hexadecimal"},
         {WithFault(R"({"call": "RegOpenKey", "result": 2})"), "/faults/1/call: ", "call"},
-        {WithFault(R"({"call": "RegOpenKeyW", "result": 0})"), "/faults/1/result: ", "failure"},
         {WithFault(R"({"call": "IMMDevice::GetId", "result": 1})"), "/faults/1/result: ", "failure"},
         {WithFault(R"({"call": "RegOpenKeyW", "result": "0x1ffffffff"})"), "/faults/1/result: ", "number"},
-        {WithFault(R"({"call": "RegOpenKeyW", "result": 2, "occurrence": 0})"), "/faults/1/occurrence: ", "from 1"},
     };
     const ScratchFolder scratch;
     const std::string path = scratch.Path("machine.json");
@@ -88,18 +78,14 @@ TEST(MachineJsonTest, StoresValuesByteForByte)
         {R"("ab")", REG_SZ, {'a', 0, 'b', 0, 0, 0}},
         {R"("a\u0000b")", REG_SZ, {'a', 0, 0, 0, 'b', 0, 0, 0}},
         {"\"\xc3\xa9\xe2\x82\xac\xf0\x9f\x8e\xa7\"", REG_SZ, {0xe9, 0, 0xac, 0x20, 0x3c, 0xd8, 0xa7, 0xdf, 0, 0}},
-        {R"("\ud83c\udfa7")", REG_SZ, {0x3c, 0xd8, 0xa7, 0xdf, 0, 0}},
         {R"({"type": "REG_SZ", "text": "a", "terminators": 0})", REG_SZ, {'a', 0}},
         {R"({"type": "REG_EXPAND_SZ", "text": "a", "terminators": 3})", REG_EXPAND_SZ, {'a', 0, 0, 0, 0, 0, 0, 0}},
         {R"({"type": "REG_SZ", "text": "a", "extraBytes": "41"})", REG_SZ, {'a', 0, 0, 0, 0x41}},
         {"4278387201", REG_DWORD, {1, 2, 3, 0xff}},
-        {R"({"type": "REG_DWORD", "number": 7})", REG_DWORD, {7, 0, 0, 0}},
         {R"({"type": "REG_DWORD_BIG_ENDIAN", "number": 258})", REG_DWORD_BIG_ENDIAN, {0, 0, 1, 2}},
         {R"({"type": "REG_QWORD", "number": 4294967298})", REG_QWORD, {2, 0, 0, 0, 1, 0, 0, 0}},
         {R"({"type": "REG_BINARY", "bytes": "01 02 fF"})", REG_BINARY, {1, 2, 255}},
         {R"({"type": "REG_MULTI_SZ", "bytes": ""})", REG_MULTI_SZ, {}},
-        {R"({"type": "REG_NONE", "bytes": "00"})", REG_NONE, {0}},
-        {R"({"type": "REG_LINK", "bytes": "00"})", REG_LINK, {0}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.value);
@@ -109,36 +95,6 @@ TEST(MachineJsonTest, StoresValuesByteForByte)
         EXPECT_EQ(stored[0].type, row.type);
         EXPECT_EQ(stored[0].data, row.data);
     }
-}
-
-TEST(MachineJsonTest, ReadsEndpointsKeysAndFaults)
-{
-    const std::string odd = R"("flow": "render", "state": "unplugged", "deviceId": "d", "guidPropertyText": "g")";
-    const std::string more = R"(, "registryKeys": {"render": ["R"], "capture": ["C"]}, "faults": [
-        {"call": "IMMDevice::GetId", "occurrence": 2, "result": "0x80004005"}, {"call": "RegCloseKey", "result": 6}])";
-    const auto machine = ParseMachine(
-        Machine(Endpoint(R"("flow": "capture")") + ", " + Endpoint(odd, "{0A000000-0000-4000-8000-000000000001}"),
-                more),
-        "");
-    EXPECT_EQ(machine.windowsVersion.major * 10 + machine.windowsVersion.minor, 63);
-    ASSERT_EQ(machine.endpoints.size(), 2u);
-    const simulation::Endpoint& first = machine.endpoints[0];
-    EXPECT_EQ(first.guid, (GUID{0x0a000000, 0, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 0xff}}));
-    EXPECT_EQ(first.flow, eCapture);
-    EXPECT_EQ(first.state, DWORD{DEVICE_STATE_ACTIVE});
-    EXPECT_EQ(first.deviceId, L"{0.0.1.00000000}.{0a000000-0000-4000-8000-0000000000ff}");
-    EXPECT_EQ(first.friendlyName + first.guidPropertyText, L"Speakers{0A000000-0000-4000-8000-0000000000FF}");
-    EXPECT_TRUE(first.registered && !first.properties && !first.fxProperties);
-    const simulation::Endpoint& second = machine.endpoints[1];
-    EXPECT_EQ(second.state, DWORD{DEVICE_STATE_UNPLUGGED});
-    EXPECT_EQ(second.deviceId + second.guidPropertyText, L"dg");
-    EXPECT_EQ(machine.furtherRenderKeys.at(0) + machine.furtherCaptureKeys.at(0), L"RC");
-    ASSERT_EQ(machine.faults.size(), 2u);
-    EXPECT_EQ(machine.faults[0].call, "IMMDevice::GetId");
-    EXPECT_EQ(machine.faults[0].occurrence, 2u);
-    EXPECT_EQ(machine.faults[0].result, E_FAIL);
-    EXPECT_EQ(machine.faults[1].occurrence, std::nullopt);
-    EXPECT_EQ(machine.faults[1].result, 6);
 }
 
 }  // namespace

@@ -66,12 +66,4 @@ TEST(ModuleReportTest, DisplayTexts)
     ExpectTexts(DataFlowToText, {L"Render", L"Capture", L"All", L""});
 }
 
-TEST(ModuleReportTest, NewRecords)
-{
-    const AudioModule module;
-    EXPECT_FALSE(module.KsControl);
-    EXPECT_EQ(module.PropertyPinId, 0u);
-    EXPECT_EQ(module.Endpoint.Flow, qov::DataFlow::None);
-}
-
 }  // namespace

@@ -87,18 +87,6 @@ TEST(ModuleValidationTest, RefusesByTheFirstRuleThatFails)
     }
 }
 
-TEST(ModuleValidationTest, LogsTheCountsBeforeTheRules)
-{
-    RecordingLogger logger;
-    EXPECT_THROW(ValidateModules(Modules("S L E M X E F M S M S Fd S S F F"), logger), std::exception);
-    const std::wstring counts =
-        L"Found Orvex SPATIALF FW modules count: 4\nFound Orvex ZAN APO modules count: \n"
-        L"* LFX (Windows 8.0 & lower): 1\n* EFX (Windows 8.1 & later): 2\n"
-        L"* MFX (Windows 8.1 & later): 3\n* SFX (Windows 8.1 & later): 5\n";
-    EXPECT_EQ(logger.messages, (std::vector{std::pair{LogLevel::Info, counts},
-                                            {LogLevel::Info, std::wstring(L"Detected Windows 8.1 or greater")}}));
-}
-
 TEST(ModuleValidationTest, SelectsCopiesInTheirOrder)
 {
     using List = std::vector<ULONG>;
@@ -112,10 +100,6 @@ TEST(ModuleValidationTest, SelectsCopiesInTheirOrder)
     EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::MFX)), List{4});
     EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::EFX)), List{6});
     EXPECT_EQ(MessageOf([&] { GetApoModulesOfMode(modules, ModuleType::GFX); }), "Not supported APO module type");
-
-    const AudioModule copy = SelectModulesByGuid(modules, SfxApoClassId).front();
-    EXPECT_EQ(copy.Endpoint.Flow, qov::DataFlow::Capture);
-    EXPECT_EQ(copy.Endpoint.EndpointName, L"Headphones");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "fwdiscovery/FwDiscovery.h"
 
 #include <algorithm>
+#include <locale>
 #include <sstream>
 
 namespace qov::AudioModulesUtils {
@@ -48,6 +49,7 @@ void LogDiscoveredModules(ILogger& logger, ModuleList modules)
 {
     constexpr wchar_t Rule[] = L"=======================================";
     std::wostringstream report;
+    report.imbue(std::locale::classic());  // no grouping of digits, whatever the host has set
     report << L"\n" << Rule << L"\n" << L"Discovered audio modules: " << L"\n" << Rule << L"\n";
     std::int32_t number = 0;
     for (const AudioModule& module : modules)

@@ -6,8 +6,6 @@
 #include "xmledit/LineFile.h"
 #include "xmledit/QuotedValues.h"
 
-#include <initializer_list>
-
 namespace qov {
 
 namespace {
@@ -29,13 +27,13 @@ constexpr BlockKind Domains{EnableConfigurableDomain, DisableConfigurableDomain,
 // A block that is enabled for an active APO in one of these effect slots.
 struct ApoRow {
     const char* name;
-    std::initializer_list<ModuleType> types;
+    ModuleType types[2];  // a single one stands twice
     const wchar_t* label;
 };
-const ApoRow ApoRows[] = {
+constexpr ApoRow ApoRows[] = {
     {"OrvexZan_Lfx_Mfx_Apo", {ModuleType::LFX, ModuleType::MFX}, L"LFX/MFX"},
-    {"OrvexZan_Sfx_Apo", {ModuleType::SFX}, L"SFX"},
-    {"OrvexZan_Efx_Apo", {ModuleType::EFX}, L"EFX"},
+    {"OrvexZan_Sfx_Apo", {ModuleType::SFX, ModuleType::SFX}, L"SFX"},
+    {"OrvexZan_Efx_Apo", {ModuleType::EFX, ModuleType::EFX}, L"EFX"},
 };
 constexpr char SpatialfBlockName[] = "OrvexZan_SPATIALF";
 constexpr wchar_t SpatialfLabel[] = L"MFX";

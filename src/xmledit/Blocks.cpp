@@ -80,6 +80,10 @@ void RefuseOtherBlocks(const LineFile& lines, const Block& block, const Toggle& 
         if (FindElement(lines[index], toggle.startTag, from) != NotFound)
             Refuse(toggle, index, "starts another block inside it");
     }
+    // The end line is the first at or below the keyword: an end tag above it closes something else.
+    for (std::size_t index = block.startLine; index < block.endLine; ++index)
+        if (Holds(lines[index], toggle.endTag))
+            Refuse(toggle, index, "ends another block inside it");
 }
 
 // The element's start tag ends at the first '>' outside its attribute values, maybe on a later line.
@@ -105,19 +109,7 @@ void RefuseSelfClosing(const LineFile& lines, const Block& block, const Toggle& 
     }
 }
 
-void RefuseMarkers(const LineFile& lines, const Block& block, const Toggle& toggle)
-{
-    if (toggle.wanted == State::Enabled) {
-        if (!lines[block.startLine].starts_with(CommentStart))
-            Refuse(toggle, block.startLine, "does not begin with \"<!--\"");
-        if (!lines[block.endLine].ends_with(CommentEnd))
-            Refuse(toggle, block.endLine, "does not end with \"-->\"");
-        return;
-    }
-    for (std::size_t index = block.startLine; index <= block.endLine; ++index)
-        if (Holds(lines[index], CommentStart) || Holds(lines[index], CommentEnd))
-            Refuse(toggle, index, "holds a comment marker");
-}
+bool HoldsMarker(const std::string& line) { return Holds(line, CommentStart) || Holds(line, CommentEnd); }
 
 void Edit(LineFile& lines, const Block& block, State wanted)
 {
@@ -130,6 +122,28 @@ void Edit(LineFile& lines, const Block& block, State wanted)
         startLine.erase(0, CommentStart.size());
         endLine.erase(endLine.size() - CommentEnd.size());
     }
+}
+
+void RefuseMarkers(const LineFile& lines, const Block& block, const Toggle& toggle)
+{
+    if (toggle.wanted == State::Disabled) {
+        for (std::size_t index = block.startLine; index <= block.endLine; ++index)
+            if (HoldsMarker(lines[index]))
+                Refuse(toggle, index, "holds a comment marker");
+        return;
+    }
+    if (!lines[block.startLine].starts_with(CommentStart))
+        Refuse(toggle, block.startLine, "does not begin with \"<!--\"");
+    if (!lines[block.endLine].ends_with(CommentEnd))
+        Refuse(toggle, block.endLine, "does not end with \"-->\"");
+    // What disabling wrote are the only markers of these two lines; others belong to comments made by hand.
+    LineFile bare = {lines[block.startLine], lines[block.endLine]};
+    const bool oneLine = block.startLine == block.endLine;
+    Edit(bare, {0, oneLine ? 0U : 1U, 0}, State::Enabled);
+    if (HoldsMarker(bare[0]))
+        Refuse(toggle, block.startLine, "holds a further comment marker");
+    if (!oneLine && HoldsMarker(bare[1]))
+        Refuse(toggle, block.endLine, "holds a further comment marker");
 }
 
 void ToggleBlocks(LineFile& lines, const Toggle& toggle)
