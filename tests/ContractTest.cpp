@@ -101,17 +101,15 @@ TEST_F(RegistryContract, ValuesComeBackAsStored)
 
 TEST_F(RegistryContract, NamesAreFoundWithoutRegardToCase)
 {
-    EXPECT_EQ(Create(root_, L"One\\Two\\\u00c4\u03b1"), ERROR_SUCCESS);
-    EXPECT_EQ(Create(root_, L"ONE"), ERROR_SUCCESS);
+    EXPECT_EQ(Create(root_, L"One\\\u00c4\u03b1"), ERROR_SUCCESS);
     EXPECT_EQ(Set(key_, L"V\u00e4lue"), ERROR_SUCCESS);
-    for (const LPCWSTR path : {L"One\\Two\\\u00c4\u03b1", L"oNE\\tWO\\\u00e4\u0391", L"one\\two", L"one"}) {
+    EXPECT_EQ(Find(key_, L"v\u00c4LUE"), ERROR_SUCCESS);
+    EXPECT_EQ(Find(key_, L"Value"), ERROR_FILE_NOT_FOUND);
+    for (const LPCWSTR path : {L"One\\\u00c4\u03b1", L"oNE\\\u00e4\u0391", L"one"}) {
         EXPECT_EQ(OpenToRead(root_, path), ERROR_SUCCESS) << path;
         EXPECT_EQ(Open(root_, path), ERROR_SUCCESS) << path;
     }
-    EXPECT_EQ(Find(key_, L"v\u00c4LUE"), ERROR_SUCCESS);
-    for (const LPCWSTR name : {L"Value", L"Two", L"V"})
-        EXPECT_EQ(Find(key_, name), ERROR_FILE_NOT_FOUND) << name;
-    for (const LPCWSTR path : {L"On", L"OneTwo", L"Two", L"One\\V\u00e4lue", L"Absent\\Two"}) {
+    for (const LPCWSTR path : {L"On", L"One\\Two", L"Absent\\Two"}) {
         EXPECT_EQ(OpenToRead(root_, path), ERROR_FILE_NOT_FOUND) << path;
         EXPECT_EQ(Open(root_, path), ERROR_FILE_NOT_FOUND) << path;
     }

@@ -100,16 +100,6 @@ TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
     EXPECT_TRUE(render.modules[0].KsControl);
 }
 
-TEST(FwDiscovery, AsksTheSoftwarePinsOnACapturePath)
-{
-    simulation::MachineDescription described = Machine(eCapture, StraightPath());
-    described.devices[0].topology.signalPaths = {{0x10002, 0x10002}};
-    const FwRun capture(described);
-    EXPECT_EQ(capture.Arguments("IDeviceTopology::GetSignalPath"), std::vector<std::string>{"65538, 65538, 1"});
-    EXPECT_TRUE(capture.Logged(L"Using pin id:2\nTesting PP API: comparing versions..."));
-    EXPECT_FALSE(capture.Logged(L"Trying to read offload pin id..."));
-}
-
 TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
 {
     const Bytes one = simulation::ModuleListReply({{1, Spatialf}});

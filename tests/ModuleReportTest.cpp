@@ -48,22 +48,4 @@ TEST(ModuleReportTest, ListsTheModulesInOneMessage)
     }
 }
 
-template <class Enumeration>
-void ExpectTexts(std::wstring (*toText)(Enumeration), const std::vector<std::wstring>& texts)
-{
-    // One value before the enumeration's first, and one behind its last.
-    for (std::int32_t value = -1; value <= static_cast<std::int32_t>(texts.size()); ++value) {
-        const auto index = static_cast<std::size_t>(value);
-        EXPECT_EQ(toText(Enumeration{value}), index < texts.size() ? texts[index] : L"") << value;
-    }
-}
-
-TEST(ModuleReportTest, DisplayTexts)
-{
-    ExpectTexts(ModuleLocationToText, {L"Unknown", L"FW", L"APO"});
-    ExpectTexts(ModuleTypeToText, {L"LFX", L"GFX", L"SFX", L"MFX", L"EFX"});
-    ExpectTexts(ModuleLevelToText, {L"Not wrapped", L"Wrapped"});
-    ExpectTexts(DataFlowToText, {L"Render", L"Capture", L"All", L""});
-}
-
 }  // namespace

@@ -43,14 +43,6 @@ ModuleList Modules(const std::string& words)
     return modules;
 }
 
-std::vector<ULONG> Numbers(const ModuleList& modules)
-{
-    std::vector<ULONG> numbers;
-    for (const AudioModule& module : modules)
-        numbers.push_back(module.PropertyPinId);
-    return numbers;
-}
-
 TEST(ModuleValidationTest, SettlesTheModulesThatCount)
 {
     // The numbers of the active APO and of the SPATIALF module, 0 for none.
@@ -87,19 +79,9 @@ TEST(ModuleValidationTest, RefusesByTheFirstRuleThatFails)
     }
 }
 
-TEST(ModuleValidationTest, SelectsCopiesInTheirOrder)
+TEST(ModuleValidationTest, KnowsNoModuleOfTheGfxMode)
 {
-    using List = std::vector<ULONG>;
-    ModuleList modules = Modules("S X L M Sn! E F F");
-    std::swap(modules[0], modules[7]);
-    EXPECT_EQ(Numbers(SelectModulesByGuid(modules, modules[1].ModuleGuid)), List{2});
-    EXPECT_EQ(Numbers(SelectModulesByGuid(ModuleList{}, SfxApoClassId)), List{});
-    EXPECT_EQ(Numbers(GetSpatialfModules(modules)), (List{8, 7}));
-    EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::LFX)), List{3});
-    EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::SFX)), (List{5, 1}));
-    EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::MFX)), List{4});
-    EXPECT_EQ(Numbers(GetApoModulesOfMode(modules, ModuleType::EFX)), List{6});
-    EXPECT_EQ(MessageOf([&] { GetApoModulesOfMode(modules, ModuleType::GFX); }), "Not supported APO module type");
+    EXPECT_EQ(MessageOf([] { GetApoModulesOfMode({}, ModuleType::GFX); }), "Not supported APO module type");
 }
 
 }  // namespace
