@@ -88,7 +88,8 @@ struct Row {
 };
 using Rows = std::map<std::string, Row>;
 
-// While the firmware modules are looked for.
+// While the firmware modules are looked for: calls that end the run, calls that end the endpoint, calls that end
+// nothing.
 const Rows FirmwareRows = {
     {"CoInitializeEx", {Effect::Throws, "Failed to initialize COM interface", false}},
     {"CoCreateInstance", {Effect::Throws, "Failed to initialize COM device interface! Result: 0x"}},
@@ -103,36 +104,36 @@ const Rows FirmwareRows = {
     {"IMMEndpoint::GetDataFlow", {Effect::Throws, "GetDataFlow failed! Result: 0x"}},
     {"IMMDevice::Activate IDeviceTopology", {Effect::Throws, "Device activation failed! Result: 0x"}},
     {"IDeviceTopology::GetConnector of endpoint", {Effect::Throws, "GetConnector failed! Result: 0x"}},
-    {"IConnector::IsConnected", {Effect::Skips}},
-    {"IConnector::GetType", {Effect::Skips}},
-    {"IConnector::GetConnectorIdConnectedTo", {Effect::Ignored}},
-    {"IConnector::GetDeviceIdConnectedTo", {Effect::Ignored}},
-    {"IConnector::GetConnectedTo", {Effect::Skips}},
-    {"IConnector::QueryInterface", {Effect::Skips}},
-    {"IPart::EnumPartsIncoming", {Effect::Skips}},
-    {"IPart::EnumPartsOutgoing", {Effect::Skips}},
-    {"IPartsList::GetCount", {Effect::Skips}},
-    {"IPartsList::GetPart", {Effect::Skips}},
-    {"IPart::GetPartType", {Effect::Skips}},
-    {"IPart::Activate IAudioInputSelector", {Effect::Ignored}},
-    {"IPart::Activate IAudioOutputSelector", {Effect::Ignored}},
-    {"IAudioInputSelector::SetSelection", {Effect::Skips}},
-    {"IPart::GetLocalId", {Effect::Skips}},
-    {"IPart::GetLocalId of the end, no descriptor", {Effect::Ignored}},
-    {"IPart::QueryInterface", {Effect::Skips}},
-    {"IPart::GetTopologyObject", {Effect::Skips}},
-    {"IDeviceTopology::GetDeviceId", {Effect::Skips}},
-    {"IDeviceTopology::GetConnectorCount", {Effect::Skips}},
-    {"IMMDeviceEnumerator::GetDevice", {Effect::Skips}},
-    {"IMMDevice::Activate IKsControl", {Effect::Skips}},
-    {"IKsControl::KsProperty", {Effect::Skips}},
-    {"scan for the pin", {Effect::Skips}},
-    {"scan beside the pin", {Effect::Ignored}},
     {"StringFromCLSID", {Effect::Throws, "StringFromCLSID() call failed", false}},
     {"RegOpenKeyExW", {Effect::Throws, "Could not read registry value. RegOpenKeyEx: 0x"}},
     {"RegQueryValueExW", {Effect::Throws, "Could not read registry value. RegQueryValueEx: 0x"}},
-    {"RegCloseKey", {Effect::Ignored}},
 };
+const std::set<std::string> SkippingCalls = {"IConnector::IsConnected",
+                                             "IConnector::GetType",
+                                             "IConnector::GetConnectedTo",
+                                             "IConnector::QueryInterface",
+                                             "IPart::EnumPartsIncoming",
+                                             "IPart::EnumPartsOutgoing",
+                                             "IPartsList::GetCount",
+                                             "IPartsList::GetPart",
+                                             "IPart::GetPartType",
+                                             "IPart::GetLocalId",
+                                             "IPart::QueryInterface",
+                                             "IPart::GetTopologyObject",
+                                             "IAudioInputSelector::SetSelection",
+                                             "IDeviceTopology::GetDeviceId",
+                                             "IDeviceTopology::GetConnectorCount",
+                                             "IMMDeviceEnumerator::GetDevice",
+                                             "IMMDevice::Activate IKsControl",
+                                             "IKsControl::KsProperty",
+                                             "scan for the pin"};
+const std::set<std::string> IgnoredCalls = {"IConnector::GetConnectorIdConnectedTo",
+                                            "IConnector::GetDeviceIdConnectedTo",
+                                            "IPart::Activate IAudioInputSelector",
+                                            "IPart::Activate IAudioOutputSelector",
+                                            "IPart::GetLocalId of the end, no descriptor",
+                                            "scan beside the pin",
+                                            "RegCloseKey"};
 
 // Afterwards.
 const Rows ApoRows = {
@@ -254,8 +255,9 @@ TEST(FaultSweep, EveryFailedCallComesToWhatItMust)
         const std::string name = reader.NameOf(index);
         SCOPED_TRACE("call " + std::to_string(index) + ": " + name);
         const Rows& rows = reader.inFirmware ? FirmwareRows : ApoRows;
-        ASSERT_TRUE(rows.contains(name));
-        const Row& row = rows.at(name);
+        const bool listed = reader.inFirmware && (SkippingCalls.contains(name) || IgnoredCalls.contains(name));
+        ASSERT_TRUE(listed || rows.contains(name));
+        const Row row = !listed ? rows.at(name) : Row{SkippingCalls.contains(name) ? Effect::Skips : Effect::Ignored};
 
         simulation::MachineDescription failing = machine;
         failing.faults = {{call, ++counts[call], windowsCode ? LONG{ERROR_ACCESS_DENIED} : LONG{E_FAIL}}};
