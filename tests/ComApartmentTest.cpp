@@ -1,3 +1,4 @@
+#include "MachineJson.h"
 #include "QovXml.h"
 #include "SimulatedMachine.h"
 #include "support/Failures.h"
@@ -75,15 +76,7 @@ TEST(ComApartmentTest, RunLeavesTheThreadAsItWas)
 {
     MachineDescription discovery;
     discovery.furtherRenderKeys = {L"NotAGuid"};
-    MachineDescription validation;
-    validation.endpoints.resize(2);
-    for (simulation::Endpoint& endpoint : validation.endpoints) {
-        endpoint.guid.Data1 = static_cast<DWORD>(&endpoint - validation.endpoints.data());
-        endpoint.deviceId = simulation::DefaultDeviceId(endpoint);
-        endpoint.guidPropertyText = simulation::UpperGuidText(endpoint.guid);
-        endpoint.fxProperties = {{L"{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},6", REG_SZ,
-                                  simulation::TextData(L"{7BA4CEB1-0A15-4AE4-B090-461D48FB641C}")}};
-    }
+    const MachineDescription validation = simulation::ReadMachine(QOVXML_EXAMPLES "/machines/refused-two-modes.json");
     const struct {
         MachineDescription machine;
         std::string before;
@@ -92,7 +85,7 @@ TEST(ComApartmentTest, RunLeavesTheThreadAsItWas)
     } rows[] = {
         {{}, "<a/>\n", "<a/>\r\n", "(nothing thrown)"},
         {discovery, "<a/>\n", "<a/>\n", "Call to CLSIDFromString() API failed with error code: 0x"},
-        {validation, "<a/>\n", "<a/>\n", "Invalid number of installed Orvex ZAN APOs in LFX/MFX mode: 2"},
+        {validation, "<a/>\n", "<a/>\n", "APO module installed in more than one mode"},
         {{}, "OrvexZan_Sfx_Apo\n", "OrvexZan_Sfx_Apo\n", "Section start tag \"<ParameterBlock\"not found"},
     };
     for (const Apartment& apartment : {Fresh, Multithreaded}) {

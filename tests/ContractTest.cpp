@@ -214,28 +214,6 @@ struct Counted final : public IClassFactory {
     HRESULT answer = S_OK;
 };
 
-// A factory, or without a product a plain object.
-struct Counted final : public IClassFactory {
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override
-    {
-        const bool known = riid == __uuidof(IUnknown) || (product != nullptr && riid == __uuidof(IClassFactory));
-        *object = known ? this : nullptr;
-        references += known ? 1 : 0;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
-    ULONG STDMETHODCALLTYPE Release() override { return --references; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID riid, void** object) override
-    {
-        return answer != S_OK ? answer : product->QueryInterface(riid, object);
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-
-    ULONG references = 0;
-    HRESULT answer = S_OK;
-    Counted* product = nullptr;
-};
-
 void CheckClassObjects(DWORD apartment)
 {
     SCOPED_TRACE(apartment);
