@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <random>
-#include <set>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -15,41 +14,40 @@
 namespace {
 
 LSTATUS Find(HKEY key, LPCWSTR name) { return RegQueryValueExW(key, name, nullptr, nullptr, nullptr, nullptr); }
-LSTATUS Set(HKEY key, LPCWSTR name) { return RegSetValueExW(key, name, 0, REG_BINARY, nullptr, 0); }
+LSTATUS Create(HKEY key, const std::wstring& path, HKEY* made)
+{
+    return RegCreateKeyExW(key, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, made, nullptr);
+}
+
+// Both ways to open a key.
+LSTATUS Open(HKEY key, const std::wstring& path)
+{
+    HKEY opened = nullptr, openedToRead = nullptr;
+    const LSTATUS result = RegOpenKeyW(key, path.c_str(), &opened);
+    EXPECT_EQ(RegOpenKeyExW(key, path.c_str(), 0, KEY_READ, &openedToRead), result) << path;
+    for (const HKEY handle : {opened, openedToRead})
+        EXPECT_TRUE(handle == nullptr || RegCloseKey(handle) == ERROR_SUCCESS) << path;
+    return result;
+}
 
 class RegistryContract : public testing::Test {
 protected:
+    RegistryContract() { EXPECT_EQ(Create(HKEY_CURRENT_USER, name_, &root_), ERROR_SUCCESS); }
     ~RegistryContract() override
     {
-        for (const HKEY handle : handles_)
-            EXPECT_EQ(RegCloseKey(handle), ERROR_SUCCESS);
+        EXPECT_EQ(RegCloseKey(root_), ERROR_SUCCESS);
         EXPECT_EQ(RegDeleteTreeW(HKEY_CURRENT_USER, name_.c_str()), ERROR_SUCCESS);
+        EXPECT_EQ(Open(HKEY_CURRENT_USER, name_), ERROR_FILE_NOT_FOUND);
     }
-
-    LSTATUS Create(HKEY key, LPCWSTR path, DWORD options = REG_OPTION_VOLATILE)
+    void Add(const std::wstring& path)
     {
-        return Keep(RegCreateKeyExW(key, path, 0, nullptr, options, KEY_ALL_ACCESS, nullptr, &key_, nullptr));
-    }
-    // Both ways to open a key.
-    LSTATUS Open(HKEY key, LPCWSTR path)
-    {
-        const LSTATUS result = Keep(RegOpenKeyExW(key, path, 0, KEY_READ, &key_));
-        EXPECT_EQ(Keep(RegOpenKeyW(key, path, &key_)), result) << path;
-        return result;
+        HKEY made = nullptr;
+        EXPECT_EQ(Create(root_, path, &made), ERROR_SUCCESS) << path;
+        EXPECT_EQ(RegCloseKey(made), ERROR_SUCCESS);
     }
 
     const std::wstring name_ = L"QovXmlContract" + std::to_wstring(std::random_device()());
-    std::set<HKEY> handles_;
-    HKEY key_ = nullptr;  // what was created or opened last
-    const HKEY root_ = (Create(HKEY_CURRENT_USER, name_.c_str()), key_);
-
-private:
-    LSTATUS Keep(LSTATUS result)
-    {
-        if (result == ERROR_SUCCESS)
-            handles_.insert(key_);
-        return result;
-    }
+    HKEY root_ = nullptr;
 };
 
 TEST_F(RegistryContract, ValuesComeBackAsStored)
@@ -93,10 +91,10 @@ TEST_F(RegistryContract, ValuesComeBackAsStored)
 
 TEST_F(RegistryContract, NamesAreFoundWithoutRegardToCase)
 {
-    EXPECT_EQ(Create(root_, L"One\\\u00c4\u03b1"), ERROR_SUCCESS);
-    EXPECT_EQ(Set(key_, L"V\u00e4lue"), ERROR_SUCCESS);
-    EXPECT_EQ(Find(key_, L"v\u00c4LUE"), ERROR_SUCCESS);
-    EXPECT_EQ(Find(key_, L"Value"), ERROR_FILE_NOT_FOUND);
+    Add(L"One\\\u00c4\u03b1");
+    EXPECT_EQ(RegSetValueExW(root_, L"V\u00e4lue", 0, REG_BINARY, nullptr, 0), ERROR_SUCCESS);
+    EXPECT_EQ(Find(root_, L"v\u00c4LUE"), ERROR_SUCCESS);
+    EXPECT_EQ(Find(root_, L"Value"), ERROR_FILE_NOT_FOUND);
     for (const LPCWSTR path : {L"One\\\u00c4\u03b1", L"oNE\\\u00e4\u0391", L"one"})
         EXPECT_EQ(Open(root_, path), ERROR_SUCCESS) << path;
     for (const LPCWSTR path : {L"On", L"One\\Two", L"Absent\\Two"})
@@ -106,7 +104,7 @@ TEST_F(RegistryContract, NamesAreFoundWithoutRegardToCase)
 TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
 {
     for (const LPCWSTR name : {L"{b}", L"b", L"A\\Inner", L"C", L"{a}-", L"aa", L"{a}"})
-        EXPECT_EQ(Create(root_, name), ERROR_SUCCESS);
+        Add(name);
     WCHAR text[16];
     const auto list = [&](DWORD index) {
         DWORD length = 16;
@@ -128,14 +126,14 @@ TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
 TEST_F(RegistryContract, PredefinedKeyIsAnotherOneWhileOverridden)
 {
     HKEY substitute = nullptr;
-    EXPECT_EQ(Create(root_, (name_ + L"\\Inner").c_str()), ERROR_SUCCESS);
-    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, name_.c_str()), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(RegOpenKeyW(HKEY_CURRENT_USER, name_.c_str(), &substitute), ERROR_SUCCESS);
+    EXPECT_EQ(Create(root_, name_, &substitute), ERROR_SUCCESS);
+    Add(name_ + L"\\Inner\\More");
+    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, L"Inner\\More"), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, substitute), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(substitute), ERROR_SUCCESS) << "the handle is not needed any more";
-    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, (name_ + L"\\Inner").c_str()), ERROR_SUCCESS);
+    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, L"Inner\\More"), ERROR_SUCCESS);
     EXPECT_EQ(RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, name_.c_str()), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Open(HKEY_LOCAL_MACHINE, L"Inner\\More"), ERROR_FILE_NOT_FOUND);
 }
 
 constexpr GUID ClassId{0x0a1b2c3d, 0x4e5f, 0xa6b7, {0x08, 0x19, 0x2a, 0x3b, 0x4c, 0x5d, 0x6e, 0xff}};
@@ -214,38 +212,36 @@ struct Counted final : public IClassFactory {
     HRESULT answer = S_OK;
 };
 
-void CheckClassObjects(DWORD apartment)
-{
-    SCOPED_TRACE(apartment);
-    Counted factory;
-    DWORD cookie = 0;
-    const auto enlist = [&] {
-        return CoRegisterClassObject(ClassId, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
-    };
-    EXPECT_EQ(enlist(), CO_E_NOTINITIALIZED);
-    EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_OK);
-    EXPECT_EQ(enlist(), S_OK);
-    const ULONG registered = factory.references;
-    for (const auto& [riid, answer, expected] : {std::tuple(__uuidof(IUnknown), E_OUTOFMEMORY, E_OUTOFMEMORY),
-                                                 {ClassId, S_OK, E_NOINTERFACE},
-                                                 {__uuidof(IUnknown), S_OK, S_OK}}) {
-        factory.answer = answer;
-        void* object = &cookie;
-        EXPECT_EQ(Instantiate(riid, &object), expected);
-        EXPECT_EQ(object, expected == S_OK ? &factory : nullptr);
-        EXPECT_EQ(factory.references, registered + (expected == S_OK ? 1 : 0));
-    }
-    factory.Release();
-    EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
-    EXPECT_EQ(factory.references, 0u);
-    ExpectNothingMade(REGDB_E_CLASSNOTREG);
-    CoUninitialize();
-}
-
 TEST(ComContract, ClassObjectsServeTheirApartment)
 {
+    const auto check = [](DWORD apartment) {
+        SCOPED_TRACE(apartment);
+        Counted factory;
+        DWORD cookie = 0;
+        const auto enlist = [&] {
+            return CoRegisterClassObject(ClassId, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+        };
+        EXPECT_EQ(enlist(), CO_E_NOTINITIALIZED);
+        EXPECT_EQ(CoInitializeEx(nullptr, apartment), S_OK);
+        EXPECT_EQ(enlist(), S_OK);
+        const ULONG registered = factory.references;
+        for (const auto& [riid, answer, expected] : {std::tuple(__uuidof(IUnknown), E_OUTOFMEMORY, E_OUTOFMEMORY),
+                                                     {ClassId, S_OK, E_NOINTERFACE},
+                                                     {__uuidof(IUnknown), S_OK, S_OK}}) {
+            factory.answer = answer;
+            void* object = &cookie;
+            EXPECT_EQ(Instantiate(riid, &object), expected);
+            EXPECT_EQ(object, expected == S_OK ? &factory : nullptr);
+            EXPECT_EQ(factory.references, registered + (expected == S_OK ? 1 : 0));
+        }
+        factory.Release();
+        EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
+        EXPECT_EQ(factory.references, 0u);
+        ExpectNothingMade(REGDB_E_CLASSNOTREG);
+        CoUninitialize();
+    };
     for (const DWORD apartment : {COINIT_MULTITHREADED, COINIT_APARTMENTTHREADED})
-        OnThread([=] { CheckClassObjects(apartment); });
+        OnThread([=] { check(apartment); });
 }
 
 TEST(VersionContract, LowerFieldsCountWhereHigherOnesAreEqual)
