@@ -29,12 +29,9 @@ std::string WithFault(const std::string& fault)
 
 TEST(MachineJsonTest, RefusesWithPlaceAndReason)
 {
-    const std::string flow = R"("flow": "render")";
-    const std::string value = "/endpoints/0/fxProperties/a~1b";
+    const std::string flow = R"("flow": "render")", value = "/endpoints/0/fxProperties/a~1b";
     const struct {
-        std::string text;
-        std::string place;
-        std::string reason;  // a part of it, behind the place
+        std::string text, place, reason;  // a part of the reason, behind the place
     } rows[] = {
         {"{\n\"windowsVersion\": ?}", "line 2", "syntax error"},
         {R"({"windowsVersion": "10", "endpoints": []})", "/windowsVersion: ", "major.minor"},
@@ -52,7 +49,6 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         {WithValue(R"({"type": "REG_SZ", "text": "x", "extraBytes": "4"})"), value + "/extraBytes: ", "hexadecimal"},
         {WithFault(R"({"call": "RegOpenKey", "result": 2})"), "/faults/1/call: ", "call"},
         {WithFault(R"({"call": "IMMDevice::GetId", "result": 1})"), "/faults/1/result: ", "failure"},
-        {WithFault(R"({"call": "RegOpenKeyW", "result": "0x1ffffffff"})"), "/faults/1/result: ", "number"},
     };
     const ScratchFolder scratch;
     const std::string path = scratch.Path("machine.json");
@@ -81,10 +77,8 @@ TEST(MachineJsonTest, StoresValuesByteForByte)
         {R"({"type": "REG_EXPAND_SZ", "text": "a", "terminators": 3})", REG_EXPAND_SZ, {'a', 0, 0, 0, 0, 0, 0, 0}},
         {R"({"type": "REG_SZ", "text": "a", "extraBytes": "41"})", REG_SZ, {'a', 0, 0, 0, 0x41}},
         {"4278387201", REG_DWORD, {1, 2, 3, 0xff}},
-        {R"({"type": "REG_DWORD_BIG_ENDIAN", "number": 258})", REG_DWORD_BIG_ENDIAN, {0, 0, 1, 2}},
         {R"({"type": "REG_QWORD", "number": 4294967298})", REG_QWORD, {2, 0, 0, 0, 1, 0, 0, 0}},
         {R"({"type": "REG_BINARY", "bytes": "01 02 fF"})", REG_BINARY, {1, 2, 255}},
-        {R"({"type": "REG_MULTI_SZ", "bytes": ""})", REG_MULTI_SZ, {}},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.value);
