@@ -17,10 +17,9 @@ namespace qov {
 //
 // Throws `Section start tag "<start tag>"not found` and `Parameter block end for keyword "<end tag>"not found`. A block
 // whose text would not survive the edit is refused with `Cannot disable block "<keyword>": line <number> ...` (or
-// `enable`; lines count from 1): its lines take in the start or the end of another block, its element is
-// self-closing, a block to disable holds comment markers, or a block to enable lacks them where disabling puts them or has
-// others on these lines.
-// The block at which a failure occurs is not changed; those toggled before it stay toggled.
+// `enable`; lines count from 1): its lines take in the start or the end of another block, its element is self-closing,
+// a block to disable holds comment markers, or a block to enable lacks them where disabling puts them or has others on
+// these lines. The block at which a failure occurs is not changed; those toggled before it stay toggled.
 void CommentOutBlocks(LineFile& lines, const std::string& keyword, const std::string& startTag,
                       const std::string& endTag);
 void UncommentBlocks(LineFile& lines, const std::string& keyword, const std::string& startTag,
