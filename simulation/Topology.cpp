@@ -89,9 +89,11 @@ public:
         *localId = found == selections.end() ? 0 : found->second;
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE SetSelection(UINT localId, LPCGUID) override
+    HRESULT STDMETHODCALLTYPE SetSelection(UINT localId, LPCGUID eventContext) override
     {
-        return this->Recorded(call_, object_, std::to_string(localId), [&] {
+        return this->Recorded(call_, object_, std::to_string(localId), [&]() -> HRESULT {
+            if (eventContext != nullptr)
+                return E_INVALIDARG;
             this->Machine().selections[address_] = localId;
             return S_OK;
         });

@@ -203,4 +203,37 @@ TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
     }
 }
 
+TEST(FwDiscovery, FailedCallsOfTheWalkEndWhatTheyMust)
+{
+    const auto straight = StraightPath();
+    // A subunit that leads to a software pin, and beside it another software pin.
+    const std::vector<PartDescription> forked = {ConnectorPart(0x10001, Physical_Internal, {0x20007, 0x10002}),
+                                                 Subunit(0x20007, {0x10003}), ConnectorPart(0x10002, Software_IO),
+                                                 ConnectorPart(0x10003, Software_IO)};
+    const struct {
+        const char* call;
+        std::vector<PartDescription> parts;
+        const char* object;
+        std::size_t modules;
+        const wchar_t* logged;
+    } rows[] = {
+        {"IPartsList::GetPart", forked, "adapter/65537", 0, L"*** NEXT CONNECTOR ***"},
+        {"IPart::GetPartType", forked, "adapter/131079", 0, L"*** NEXT CONNECTOR ***"},
+        {"IPartsList::GetCount", forked, "adapter/131079", 1, L"End of parts: replacing connector"},
+        {"IMMDevice::Activate", forked, "adapter", 1, L"Using pin id:5\nTesting PP API: comparing versions..."},
+        {"IPart::QueryInterface", straight, "adapter/65538", 0, L"End of parts: replacing connector"},
+        {"IPart::GetTopologyObject", straight, "adapter/131079", 0, L"Trying to read offload pin id..."},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.call);
+        simulation::MachineDescription described = Machine(eRender, row.parts);
+        described.devices[0].topology.signalPaths = {{0x10002, 0x10003}};
+        described.faults = {{row.call, 1, E_FAIL, row.object}};
+        const FwRun run(described);
+        EXPECT_EQ(run.modules.size(), row.modules);
+        EXPECT_TRUE(run.Logged(row.logged));
+        EXPECT_FALSE(run.Logged(L"Using pin id:3\nTesting PP API: comparing versions...")) << "no pin was missing";
+    }
+}
+
 }  // namespace

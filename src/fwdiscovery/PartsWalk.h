@@ -13,10 +13,10 @@
 
 namespace qov {
 
-// How many parts the walk of one endpoint may take up over all its topologies, and how many subunits may follow one
-// another. An audio adapter has some dozens of parts, and a signal path some ten of them: a walk that comes to these
-// bounds goes round in circles. A part costs at most twenty platform calls, a step of the recursion less than 1 KiB of
-// stack.
+// How many parts the walk of one endpoint may take up over all its topologies, and how many parts, the first included,
+// may have their neighbours listed one behind the other. An audio adapter has some dozens of parts, and a signal path
+// some ten of them: a walk that comes to these bounds goes round in circles. A part costs at most twenty platform
+// calls, a step of the recursion less than 1 KiB of stack.
 constexpr unsigned MaxWalkedParts = 1024;
 constexpr unsigned MaxWalkDepth = 128;
 
