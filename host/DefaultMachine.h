@@ -1,6 +1,6 @@
 #pragma once
 
-#include "MachineDescription.h"
+#include "machine/MachineDescription.h"
 
 #include <optional>
 
@@ -8,6 +8,6 @@ namespace host {
 
 // The machine to simulate when the user names none, after saying so on standard error; none where the machine itself
 // has Windows' audio.
-std::optional<simulation::MachineDescription> DefaultMachine();
+std::optional<machine::MachineDescription> DefaultMachine();
 
 }  // namespace host

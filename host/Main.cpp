@@ -2,9 +2,9 @@
 #include "DefaultMachine.h"
 #include "QovXml.h"
 
-#include "MachineJson.h"
-#include "SimulatedMachine.h"
-#include "Utf16.h"
+#include "machine/MachineJson.h"
+#include "machine/Utf16.h"
+#include "simulation/SimulatedMachine.h"
 
 #include <CLI/CLI.hpp>
 
@@ -21,8 +21,7 @@ class ConsoleLogger final : public ILogger {
 public:
     void Log(LogLevel level, const std::wstring& message) override
     {
-        std::cerr << (level == LogLevel::Warning ? "[warning] " : "[info] ") << simulation::Utf16ToUtf8(message)
-                  << '\n';
+        std::cerr << (level == LogLevel::Warning ? "[warning] " : "[info] ") << machine::Utf16ToUtf8(message) << '\n';
     }
 };
 
@@ -37,7 +36,7 @@ int Run(const Options& options)
     try {
         std::unique_ptr<simulation::SimulatedMachine> machine;
         if (!options.machine.empty())
-            machine = std::make_unique<simulation::SimulatedMachine>(simulation::ReadMachine(options.machine));
+            machine = std::make_unique<simulation::SimulatedMachine>(machine::ReadMachine(options.machine));
         else if (auto description = host::DefaultMachine())
             machine = std::make_unique<simulation::SimulatedMachine>(*std::move(description));
         QovXml::ConfigureQovXmls(options.config, logger);

@@ -1,7 +1,8 @@
 // Records the platform calls of a run and makes chosen ones fail.
 #pragma once
 
-#include "MachineDescription.h"
+#include "machine/MachineDescription.h"
+#include "machine/PlatformCalls.h"
 
 #include <optional>
 #include <string>
@@ -11,7 +12,7 @@
 namespace simulation {
 
 struct CallRecord {
-    std::string call;       // "Interface::Method", or the name of a Windows function
+    std::string call;       // one of machine::PlatformCalls()
     std::string object;     // which object of the machine it was made on; empty for a Windows function
     std::string arguments;  // those that matter, as text
     LONG result = 0;        // what the simulated object answered; 0 for a Windows function that was not made to fail
@@ -19,39 +20,46 @@ struct CallRecord {
 
 class CallMonitor {
 public:
-    explicit CallMonitor(std::vector<Fault> faults) : faults_(std::move(faults)) {}
+    explicit CallMonitor(const std::vector<machine::Fault>& faults) : faults_(faults.begin(), faults.end()) {}
 
-    // Notes a Windows function; gives the result with which it must fail, if it must.
+    // Notes a Windows function; gives the result that it must give, if there is one.
     std::optional<LONG> EnterFunction(std::string_view call);
 
-    // Runs a method of a simulated object, or gives the result with which it must fail.
+    // Runs a method of a simulated object, or gives the failure that it must give. A fault whose result is a success
+    // code takes the place of the body's own success.
     template <class Body>
     HRESULT Method(std::string_view call, const std::string& object, const std::string& arguments, Body body)
     {
         const std::size_t record = Begin(call, object, arguments);
         const std::optional<LONG> fault = FaultOf(calls_[record]);
-        // The body may make calls of its own: the record is found again by its place.
-        const HRESULT result = fault ? *fault : body();
+        HRESULT result = fault.value_or(S_OK);
+        if (SUCCEEDED(result))
+            if (const HRESULT own = body(); FAILED(own) || !fault)
+                result = own;
+        // The body may make calls of its own: the record is found again by its number.
         calls_[record].result = result;
         return result;
     }
 
     [[nodiscard]] const std::vector<CallRecord>& Calls() const { return calls_; }
 
-private:
-    std::size_t Begin(std::string_view call, const std::string& object, const std::string& arguments);
-    std::optional<LONG> FaultOf(const CallRecord& record) const;
+    // Those that no call has met so far.
+    [[nodiscard]] std::vector<machine::Fault> FaultsThatNeverFired() const;
 
-    std::vector<Fault> faults_;
+private:
+    struct WatchedFault {
+        explicit WatchedFault(machine::Fault watched) : fault(std::move(watched)) {}
+
+        machine::Fault fault;
+        unsigned calls = 0;  // that it speaks of, so far
+        bool fired = false;
+    };
+
+    std::size_t Begin(std::string_view call, const std::string& object, const std::string& arguments);
+    std::optional<LONG> FaultOf(const CallRecord& record);
+
+    std::vector<WatchedFault> faults_;
     std::vector<CallRecord> calls_;
 };
-
-// Whether a fault can name this call: a typing error must not read as "never fails".
-bool IsKnownCall(std::string_view call);
-// Whether it is a Windows function, not a method of a simulated object.
-bool IsWindowsFunction(std::string_view call);
-// Whether `result` is a failure of that call: a Windows error code for functions of the registry and the version, a
-// failed HRESULT for all others.
-bool IsFailureOf(std::string_view call, LONG result);
 
 }  // namespace simulation

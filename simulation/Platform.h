@@ -1,8 +1,8 @@
 // What a simulated machine needs of the system below it that is not the same everywhere.
 #pragma once
 
-#include "CallMonitor.h"
-#include "MachineDescription.h"
+#include "machine/MachineDescription.h"
+#include "simulation/CallMonitor.h"
 
 namespace simulation {
 
@@ -10,7 +10,7 @@ namespace simulation {
 // function. Throws std::runtime_error when this system cannot do what the machine asks for.
 class PlatformScope {
 public:
-    PlatformScope(const MachineDescription& machine, CallMonitor& calls);
+    PlatformScope(const machine::MachineDescription& machine, CallMonitor& calls);
     PlatformScope(const PlatformScope&) = delete;
     PlatformScope& operator=(const PlatformScope&) = delete;
     ~PlatformScope();

@@ -1,6 +1,7 @@
-#include "RegistryImage.h"
+#include "simulation/RegistryImage.h"
 
-#include "Utf16.h"
+#include "common/Owners.h"
+#include "machine/Utf16.h"
 
 #include <random>
 #include <stdexcept>
@@ -17,64 +18,55 @@ void Check(LSTATUS result, const char* function)
                                  std::to_string(result));
 }
 
-class WritableKey {
-public:
-    WritableKey(HKEY parent, const std::wstring& path)
-    {
-        Check(RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key_,
-                              nullptr),
-              "RegCreateKeyExW");
-    }
-    WritableKey(const WritableKey&) = delete;
-    WritableKey& operator=(const WritableKey&) = delete;
-    ~WritableKey() { RegCloseKey(key_); }
+qov::RegistryKey CreateKey(HKEY parent, const std::wstring& path)
+{
+    qov::RegistryKey key;
+    Check(RegCreateKeyExW(parent, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, key.Put(),
+                          nullptr),
+          "RegCreateKeyExW");
+    return key;
+}
 
-    [[nodiscard]] HKEY Get() const { return key_; }
+void WriteValue(const qov::RegistryKey& key, const machine::RegistryValue& value)
+{
+    if (RegQueryValueExW(key.Get(), value.name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
+        throw std::runtime_error("The simulated registry cannot hold the value " + machine::Utf16ToUtf8(value.name) +
+                                 " twice: it takes no account of letter case");
+    // Windows adds a terminator to a text that lacks one where the unit behind it is NUL: put another one there.
+    machine::Bytes data = value.data;
+    data.insert(data.end(), 2, 0xFF);
+    Check(RegSetValueExW(key.Get(), value.name.c_str(), 0, value.type, data.data(),
+                         static_cast<DWORD>(value.data.size())),
+          "RegSetValueExW");
+}
 
-    void Write(const RegistryValue& value) const
-    {
-        if (RegQueryValueExW(key_, value.name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
-            throw std::runtime_error("The simulated registry cannot hold the value " + Utf16ToUtf8(value.name) +
-                                     " twice: it takes no account of letter case");
-        // Windows adds a terminator to a text that lacks one where the unit behind it is NUL: put another one there.
-        Bytes data = value.data;
-        data.insert(data.end(), 2, 0xFF);
-        Check(
-            RegSetValueExW(key_, value.name.c_str(), 0, value.type, data.data(), static_cast<DWORD>(value.data.size())),
-            "RegSetValueExW");
-    }
-
-private:
-    HKEY key_ = nullptr;
-};
-
-void WriteProperties(const WritableKey& endpointKey, const wchar_t* name,
-                     const std::optional<std::vector<RegistryValue>>& values)
+void WriteProperties(const qov::RegistryKey& endpointKey, const wchar_t* name,
+                     const std::optional<std::vector<machine::RegistryValue>>& values)
 {
     if (!values)
         return;
-    const WritableKey key(endpointKey.Get(), name);
-    for (const RegistryValue& value : *values)
-        key.Write(value);
+    const qov::RegistryKey key = CreateKey(endpointKey.Get(), name);
+    for (const machine::RegistryValue& value : *values)
+        WriteValue(key, value);
 }
 
-void WriteEndpoints(const WritableKey& root, const MachineDescription& machine)
+void WriteEndpoints(const qov::RegistryKey& root, const machine::MachineDescription& machine)
 {
     const std::wstring audio = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\";
-    const WritableKey render(root.Get(), audio + L"Render");
-    const WritableKey capture(root.Get(), audio + L"Capture");
-    for (const Endpoint& endpoint : machine.endpoints) {
+    const qov::RegistryKey render = CreateKey(root.Get(), audio + L"Render");
+    const qov::RegistryKey capture = CreateKey(root.Get(), audio + L"Capture");
+    for (const machine::Endpoint& endpoint : machine.endpoints) {
         if (!endpoint.registered)
             continue;
-        const WritableKey& flowKey = endpoint.flow == eCapture ? capture : render;
-        const WritableKey key(flowKey.Get(), LowerGuidText(endpoint.guid));
+        const qov::RegistryKey& flowKey = endpoint.flow == eCapture ? capture : render;
+        const qov::RegistryKey key = CreateKey(flowKey.Get(), machine::LowerGuidText(endpoint.guid));
         WriteProperties(key, L"Properties", endpoint.properties);
         WriteProperties(key, L"FxProperties", endpoint.fxProperties);
     }
     for (const std::wstring& name : machine.furtherRenderKeys)
-        const WritableKey further(render.Get(), name);
+        const qov::RegistryKey further = CreateKey(render.Get(), name);
     for (const std::wstring& name : machine.furtherCaptureKeys)
-        const WritableKey further(capture.Get(), name);
+        const qov::RegistryKey further = CreateKey(capture.Get(), name);
 }
 
 std::wstring UniqueKeyName()
@@ -88,10 +80,10 @@ std::wstring UniqueKeyName()
 
 }  // namespace
 
-RegistryImage::RegistryImage(const MachineDescription& machine) : keyName_(UniqueKeyName())
+RegistryImage::RegistryImage(const machine::MachineDescription& machine) : keyName_(UniqueKeyName())
 {
     try {
-        const WritableKey root(HKEY_CURRENT_USER, keyName_);
+        const qov::RegistryKey root = CreateKey(HKEY_CURRENT_USER, keyName_);
         WriteEndpoints(root, machine);
         Check(RegOverridePredefKey(HKEY_LOCAL_MACHINE, root.Get()), "RegOverridePredefKey");
     } catch (...) {

@@ -1,7 +1,7 @@
 // The registry of a simulated machine.
 #pragma once
 
-#include "MachineDescription.h"
+#include "machine/MachineDescription.h"
 
 #include <string>
 
@@ -11,7 +11,7 @@ namespace simulation {
 // endpoints of the machine. Throws std::runtime_error when the registry refuses.
 class RegistryImage {
 public:
-    explicit RegistryImage(const MachineDescription& machine);
+    explicit RegistryImage(const machine::MachineDescription& machine);
     RegistryImage(const RegistryImage&) = delete;
     RegistryImage& operator=(const RegistryImage&) = delete;
     ~RegistryImage();

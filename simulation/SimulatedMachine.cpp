@@ -1,6 +1,7 @@
-#include "SimulatedMachine.h"
+#include "simulation/SimulatedMachine.h"
 
-#include "DeviceEnumerator.h"
+#include "common/ComPtr.h"
+#include "simulation/devices/DeviceEnumerator.h"
 
 #include <mmdeviceapi.h>
 
@@ -12,19 +13,19 @@ namespace simulation {
 
 namespace {
 
-std::atomic<bool> placeTaken = false;
+std::atomic<bool> machineSimulated = false;
 
 }  // namespace
 
-SimulatedMachine::Place::Place()
+SimulatedMachine::OnlyOne::OnlyOne()
 {
-    if (placeTaken.exchange(true))
+    if (machineSimulated.exchange(true))
         throw std::runtime_error("This process sees a simulated machine already");
 }
 
-SimulatedMachine::Place::~Place() { placeTaken = false; }
+SimulatedMachine::OnlyOne::~OnlyOne() { machineSimulated = false; }
 
-SimulatedMachine::SimulatedMachine(MachineDescription description)
+SimulatedMachine::SimulatedMachine(machine::MachineDescription description)
     : state_(std::make_shared<MachineState>(std::move(description))),
       registry_(state_->description),
       classObject_(state_),
@@ -34,7 +35,7 @@ SimulatedMachine::SimulatedMachine(MachineDescription description)
 
 SimulatedMachine::~SimulatedMachine() = default;
 
-std::optional<UINT> SimulatedMachine::Selection(const PartAddress& selector) const
+std::optional<UINT> SimulatedMachine::Selection(const machine::PartAddress& selector) const
 {
     const auto found = state_->selections.find(selector);
     return found == state_->selections.end() ? std::nullopt : std::optional(found->second);
@@ -69,10 +70,10 @@ void SimulatedMachine::ClassObjectHost::Run(const MachinePtr& machine)
     const HRESULT joined = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     HRESULT result = joined;
     if (SUCCEEDED(joined)) {
-        IClassFactory* const factory = MakeDeviceEnumeratorFactory(machine);
-        result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                       &cookie);
-        factory->Release();
+        qov::ComPtr<IClassFactory> factory;
+        *factory.Put() = MakeDeviceEnumeratorFactory(machine);
+        result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), factory.Get(), CLSCTX_INPROC_SERVER,
+                                       REGCLS_MULTIPLEUSE, &cookie);
     }
 
     std::unique_lock lock(mutex_);

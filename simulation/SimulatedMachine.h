@@ -1,10 +1,10 @@
 #pragma once
 
-#include "CallMonitor.h"
-#include "ComObject.h"
-#include "MachineDescription.h"
-#include "Platform.h"
-#include "RegistryImage.h"
+#include "machine/MachineDescription.h"
+#include "simulation/CallMonitor.h"
+#include "simulation/Platform.h"
+#include "simulation/RegistryImage.h"
+#include "simulation/devices/ComObject.h"
 
 #include <condition_variable>
 #include <mutex>
@@ -19,7 +19,7 @@ namespace simulation {
 // apartment. Throws std::runtime_error when the system refuses.
 class SimulatedMachine {
 public:
-    explicit SimulatedMachine(MachineDescription description);
+    explicit SimulatedMachine(machine::MachineDescription description);
     SimulatedMachine(const SimulatedMachine&) = delete;
     SimulatedMachine& operator=(const SimulatedMachine&) = delete;
     ~SimulatedMachine();
@@ -27,8 +27,14 @@ public:
     // The platform calls since it was made, in order.
     [[nodiscard]] const std::vector<CallRecord>& Calls() const { return state_->calls.Calls(); }
 
+    // The faults that no call has met so far: what they were meant to make fail was never asked.
+    [[nodiscard]] std::vector<machine::Fault> FaultsThatNeverFired() const
+    {
+        return state_->calls.FaultsThatNeverFired();
+    }
+
     // The local id that a selector was switched to last; none: it never was.
-    [[nodiscard]] std::optional<UINT> Selection(const PartAddress& selector) const;
+    [[nodiscard]] std::optional<UINT> Selection(const machine::PartAddress& selector) const;
 
 private:
     // Holds the class object in the multithreaded apartment, from a thread of its own.
@@ -51,15 +57,15 @@ private:
     };
 
     // The only one of this process.
-    class Place {
+    class OnlyOne {
     public:
-        Place();
-        Place(const Place&) = delete;
-        Place& operator=(const Place&) = delete;
-        ~Place();
+        OnlyOne();
+        OnlyOne(const OnlyOne&) = delete;
+        OnlyOne& operator=(const OnlyOne&) = delete;
+        ~OnlyOne();
     };
 
-    Place place_;
+    OnlyOne onlyOne_;
     MachinePtr state_;
     RegistryImage registry_;
     ClassObjectHost classObject_;

@@ -1,7 +1,7 @@
 // What a run logs and writes before it ends is shown by the scenarios.
-#include "MachineJson.h"
 #include "QovXml.h"
-#include "SimulatedMachine.h"
+#include "machine/MachineJson.h"
+#include "simulation/SimulatedMachine.h"
 #include "support/Failures.h"
 #include "support/RecordingLogger.h"
 #include "support/Scratch.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-using simulation::MachineDescription;
+using machine::MachineDescription;
 
 // What a thread hears when it asks for a single-threaded apartment: S_OK when it is in no apartment, S_FALSE when it
 // is in such a one, RPC_E_CHANGED_MODE when it is in the multithreaded one.
@@ -61,7 +61,7 @@ TEST(ComApartmentTest, RunLeavesTheThreadAsItWas)
 {
     MachineDescription discovery;
     discovery.furtherRenderKeys = {L"NotAGuid"};
-    const MachineDescription validation = simulation::ReadMachine(QOVXML_EXAMPLES "/machines/refused-two-modes.json");
+    const MachineDescription validation = machine::ReadMachine(QOVXML_EXAMPLES "/machines/refused-two-modes.json");
     for (const Apartment& apartment : {Fresh, Multithreaded}) {
         ExpectRun(apartment, {}, "<a/>\n", "(nothing thrown)");
         ExpectRun(apartment, discovery, "<a/>\n", "Call to CLSIDFromString() API failed with error code: 0x");

@@ -1,7 +1,7 @@
 // Whole runs show which endpoints are listed, and the sweep of faults what a failing registry comes to.
 #include "discovery/EndpointRegistry.h"
 
-#include "SimulatedMachine.h"
+#include "simulation/SimulatedMachine.h"
 #include "support/ComApartment.h"
 #include "support/Failures.h"
 #include "support/RecordingLogger.h"
@@ -75,7 +75,7 @@ TEST(EndpointRegistryTest, ReadsTextsNumbersAndBytesOnly)
         rows.push_back({type, Bytes(8), {}, L""});
     for (const Row& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows.data()));
-        simulation::MachineDescription description;
+        machine::MachineDescription description;
         description.endpoints.resize(1);
         description.endpoints[0].fxProperties = {{L"value", row.type, row.stored}};
         const SimulatedMachine machine(description);
@@ -104,7 +104,7 @@ TEST(EndpointRegistryTest, FindsTheValueOrTellsWhyNot)
         {1, All, qov::EndpointPropertyKind{2}, L"Both", {}, "Unsupported endpoint property type."},
         {1, Render, FxProperties, L"Other", {}, "Could not read registry value. RegQueryValueEx: 0xea"},
     };
-    simulation::MachineDescription description;
+    machine::MachineDescription description;
     description.endpoints.resize(2);
     description.endpoints[0].guid.Data1 = 1;
     description.endpoints[1].guid.Data1 = 2;

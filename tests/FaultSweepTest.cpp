@@ -1,8 +1,8 @@
 // Repeats a run on the richest example machine with every single platform call failing in turn, and compares the
 // outcome with what that failure must come to.
-#include "MachineJson.h"
 #include "QovXml.h"
-#include "SimulatedMachine.h"
+#include "machine/MachineJson.h"
+#include "simulation/SimulatedMachine.h"
 #include "support/Failures.h"
 #include "support/Holdings.h"
 #include "support/RecordingLogger.h"
@@ -45,12 +45,12 @@ Files ExampleFiles()
     return files;
 }
 
-simulation::MachineDescription ExampleMachine()
+machine::MachineDescription ExampleMachine()
 {
-    return simulation::ReadMachine(QOVXML_EXAMPLES "/machines/laptop-spatialf.json");
+    return machine::ReadMachine(QOVXML_EXAMPLES "/machines/laptop-spatialf.json");
 }
 
-Outcome RunExample(const simulation::MachineDescription& description)
+Outcome RunExample(const machine::MachineDescription& description)
 {
     const ScratchFolder scratch;
     const Files before = ExampleFiles();
@@ -186,8 +186,8 @@ private:
             endpoint = items_++;
             scanning_ = false;
         }
-        const bool first = scanning_ && (record.arguments == "0" || record.arguments == "65536, 65536, 1" ||
-                                         record.object.ends_with("/65536"));
+        const bool first = scanning_ && (record.arguments == "0" || record.arguments == "00010000, 00010000, 1" ||
+                                         record.object.ends_with("/00010000"));
         if (scanning_ && call != "IDeviceTopology::GetDeviceId")
             return first && capture_ ? "scan for the pin" : "scan beside the pin";
         scanning_ = call == "IDeviceTopology::GetConnectorCount";
@@ -232,12 +232,12 @@ private:
 
 TEST(FaultSweep, EveryFailedCallComesToWhatItMust)
 {
-    const simulation::MachineDescription machine = ExampleMachine();
-    simulation::MachineDescription withoutFirmware = machine;
-    for (simulation::AdapterDevice& device : withoutFirmware.devices)
+    const machine::MachineDescription machine = ExampleMachine();
+    machine::MachineDescription withoutFirmware = machine;
+    for (machine::AdapterDevice& device : withoutFirmware.devices)
         device.filter.reset();
-    simulation::MachineDescription withoutApo = machine;
-    for (simulation::Endpoint& endpoint : withoutApo.endpoints)
+    machine::MachineDescription withoutApo = machine;
+    for (machine::Endpoint& endpoint : withoutApo.endpoints)
         endpoint.fxProperties.reset();
     const Outcome whole = RunExample(machine);
     const Files before = ExampleFiles();
@@ -259,7 +259,7 @@ TEST(FaultSweep, EveryFailedCallComesToWhatItMust)
         ASSERT_TRUE(listed || rows.contains(name));
         const Row row = !listed ? rows.at(name) : Row{SkippingCalls.contains(name) ? Effect::Skips : Effect::Ignored};
 
-        simulation::MachineDescription failing = machine;
+        machine::MachineDescription failing = machine;
         failing.faults = {{call, ++counts[call], windowsCode ? LONG{ERROR_ACCESS_DENIED} : LONG{E_FAIL}}};
         const auto held = CurrentHoldings();
         const Outcome outcome = RunExample(failing);

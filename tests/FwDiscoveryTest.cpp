@@ -1,7 +1,7 @@
 // What the firmware walk asks of the driver, byte for byte, and what a hostile driver or topology cannot do to it.
-#include "SimulatedMachine.h"
 #include "fwdiscovery/FwDiscovery.h"
 #include "fwdiscovery/PartsWalk.h"
+#include "simulation/SimulatedMachine.h"
 #include "support/ComApartment.h"
 #include "support/Failures.h"
 #include "support/RecordingLogger.h"
@@ -13,9 +13,9 @@
 
 namespace {
 
-using simulation::Bytes;
-using simulation::PartDescription;
-using simulation::SelectorKind;
+using machine::Bytes;
+using machine::PartDescription;
+using machine::SelectorKind;
 
 constexpr GUID Spatialf{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x99, 0x9B, 0x3F, 0x74, 0x45}};
 constexpr wchar_t Adapter[] = L"adapter";
@@ -33,19 +33,19 @@ PartDescription ConnectorPart(UINT id, ConnectorType type, const std::vector<UIN
 }
 
 // One endpoint whose connector leads to part 0x10001 of an adapter; the filter answers on pin 5.
-simulation::MachineDescription Machine(EDataFlow flow, std::vector<PartDescription> parts)
+machine::MachineDescription Machine(EDataFlow flow, std::vector<PartDescription> parts)
 {
-    simulation::MachineDescription machine;
-    simulation::Endpoint endpoint;
+    machine::MachineDescription machine;
+    machine::Endpoint endpoint;
     endpoint.guid = {1, 2, 3, {4}};
     endpoint.flow = flow;
     endpoint.deviceId = L"endpoint";
-    endpoint.guidPropertyText = simulation::UpperGuidText(endpoint.guid);
-    endpoint.topology.parts.front().connectedTo = simulation::PartAddress{Adapter, 0x10001};
+    endpoint.guidPropertyText = machine::UpperGuidText(endpoint.guid);
+    endpoint.topology.parts.front().connectedTo = machine::PartAddress{Adapter, 0x10001};
     machine.endpoints = {endpoint};
-    simulation::AdapterDevice adapter{Adapter, {std::move(parts), {}}, simulation::FilterDescription{}};
+    machine::AdapterDevice adapter{Adapter, {std::move(parts), {}}, machine::FilterDescription{}};
     adapter.filter->audioEngineNodes = {{0x2, 4, 5, 6}};
-    adapter.filter->pins = {{5, {1}, simulation::ModuleListReply({{1, Spatialf}}), {}, {}}};
+    adapter.filter->pins = {{5, {1}, machine::ModuleListReply({{1, Spatialf}}), {}, {}}};
     machine.devices = {adapter};
     return machine;
 }
@@ -57,7 +57,7 @@ std::vector<PartDescription> StraightPath()
 }
 
 struct FwRun {
-    explicit FwRun(const simulation::MachineDescription& description) : machine(description)
+    explicit FwRun(const machine::MachineDescription& description) : machine(description)
     {
         message = MessageOf([&] { modules = qov::AudioModulesUtils::DiscoverFwModules(logger); });
     }
@@ -102,7 +102,7 @@ TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
 
 TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
 {
-    const Bytes one = simulation::ModuleListReply({{1, Spatialf}});
+    const Bytes one = machine::ModuleListReply({{1, Spatialf}});
     const auto claiming = [&one](std::uint32_t count) {
         Bytes reply = one;
         for (int index = 0; index < 4; ++index)
@@ -112,7 +112,7 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
     const auto cut = [&one](std::size_t size) { return Bytes(one.begin(), one.begin() + static_cast<long>(size)); };
     const struct {
         const char* name;
-        simulation::PpApiPin pin;
+        machine::PpApiPin pin;
         std::size_t modules;
         const wchar_t* count;  // as logged; null: not logged
     } rows[] = {
@@ -135,7 +135,7 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        simulation::MachineDescription described = Machine(eRender, StraightPath());
+        machine::MachineDescription described = Machine(eRender, StraightPath());
         described.devices[0].filter->pins = {row.pin};
         const FwRun run(described);
         EXPECT_EQ(run.message, "(nothing thrown)");
@@ -149,7 +149,7 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
 }
 
 // A part whose neighbours cannot be listed: the walk drops it and goes on with the next.
-constexpr char DeadEnd[] = "adapter/196607";
+constexpr char DeadEnd[] = "adapter/0002ffff";
 
 // Every part leads to all of them.
 std::vector<PartDescription> BranchingRing(UINT size)
@@ -166,7 +166,7 @@ TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
 {
     std::vector<PartDescription> connectorRing = {ConnectorPart(0x10001, Physical_Internal, {0x10002}),
                                                   ConnectorPart(0x10002, Physical_Internal)};
-    connectorRing[1].connectedTo = simulation::PartAddress{Adapter, 0x10001};
+    connectorRing[1].connectedTo = machine::PartAddress{Adapter, 0x10001};
     std::vector<PartDescription> chain = {ConnectorPart(0x10001, Physical_Internal, {0})};
     for (UINT id = 0; id < qov::MaxWalkDepth; ++id)
         chain.push_back(Subunit(id, {id + 1}));
@@ -192,7 +192,7 @@ TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
     for (const auto& row : rows) {
         for (const EDataFlow flow : {eRender, eCapture}) {
             SCOPED_TRACE(std::string(row.name) + (flow == eRender ? ", render" : ", capture"));
-            simulation::MachineDescription described = Machine(flow, row.parts);
+            machine::MachineDescription described = Machine(flow, row.parts);
             for (const char* const call : {"IPart::EnumPartsIncoming", "IPart::EnumPartsOutgoing"})
                 described.faults.push_back({call, {}, E_FAIL, DeadEnd});
             const FwRun run(described);
@@ -217,16 +217,16 @@ TEST(FwDiscovery, FailedCallsOfTheWalkEndWhatTheyMust)
         std::size_t modules;
         const wchar_t* logged;
     } rows[] = {
-        {"IPartsList::GetPart", forked, "adapter/65537", 0, L"*** NEXT CONNECTOR ***"},
-        {"IPart::GetPartType", forked, "adapter/131079", 0, L"*** NEXT CONNECTOR ***"},
-        {"IPartsList::GetCount", forked, "adapter/131079", 1, L"End of parts: replacing connector"},
+        {"IPartsList::GetPart", forked, "adapter/00010001", 0, L"*** NEXT CONNECTOR ***"},
+        {"IPart::GetPartType", forked, "adapter/00020007", 0, L"*** NEXT CONNECTOR ***"},
+        {"IPartsList::GetCount", forked, "adapter/00020007", 1, L"End of parts: replacing connector"},
         {"IMMDevice::Activate", forked, "adapter", 1, L"Using pin id:5\nTesting PP API: comparing versions..."},
-        {"IPart::QueryInterface", straight, "adapter/65538", 0, L"End of parts: replacing connector"},
-        {"IPart::GetTopologyObject", straight, "adapter/131079", 0, L"Trying to read offload pin id..."},
+        {"IPart::QueryInterface", straight, "adapter/00010002", 0, L"End of parts: replacing connector"},
+        {"IPart::GetTopologyObject", straight, "adapter/00020007", 0, L"Trying to read offload pin id..."},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.call);
-        simulation::MachineDescription described = Machine(eRender, row.parts);
+        machine::MachineDescription described = Machine(eRender, row.parts);
         described.devices[0].topology.signalPaths = {{0x10002, 0x10003}};
         described.faults = {{row.call, 1, E_FAIL, row.object}};
         const FwRun run(described);

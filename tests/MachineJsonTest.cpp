@@ -1,4 +1,4 @@
-#include "MachineJson.h"
+#include "machine/MachineJson.h"
 
 #include "support/Failures.h"
 #include "support/Scratch.h"
@@ -7,8 +7,8 @@
 
 namespace {
 
-using simulation::Bytes;
-using simulation::ParseMachine;
+using machine::Bytes;
+using machine::ParseMachine;
 
 std::string Machine(const std::string& endpoints, const std::string& more = "")
 {
@@ -48,20 +48,20 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         {WithValue(R"({"type": "REG_SZ", "number": 1})"), value + "/number: ", "REG_SZ"},
         {WithValue(R"({"type": "REG_SZ", "text": "x", "extraBytes": "4"})"), value + "/extraBytes: ", "hexadecimal"},
         {WithFault(R"({"call": "RegOpenKey", "result": 2})"), "/faults/1/call: ", "call"},
-        {WithFault(R"({"call": "IMMDevice::GetId", "result": 1})"), "/faults/1/result: ", "failure"},
+        {WithFault(R"({"call": "IMMDevice::GetId", "result": 0})"), "/faults/1/result: ", "failure"},
     };
     const ScratchFolder scratch;
     const std::string path = scratch.Path("machine.json");
     for (const auto& row : rows) {
         WriteBytes(path, row.text);
-        const std::string message = MessageOf([&] { (void)simulation::ReadMachine(path); });
+        const std::string message = MessageOf([&] { (void)machine::ReadMachine(path); });
         SCOPED_TRACE(row.text + "\n" + message);
         EXPECT_EQ(message.rfind(path + ": ", 0), 0u);
         const std::size_t place = message.find(row.place, path.size() + 1);
         ASSERT_NE(place, std::string::npos);
         EXPECT_NE(message.find(row.reason, place + row.place.size()), std::string::npos);
     }
-    EXPECT_EQ(MessageOf([&] { (void)simulation::ReadMachine(path + "!"); }).rfind(path + "!: ", 0), 0u);
+    EXPECT_EQ(MessageOf([&] { (void)machine::ReadMachine(path + "!"); }).rfind(path + "!: ", 0), 0u);
 }
 
 TEST(MachineJsonTest, StoresValuesByteForByte)

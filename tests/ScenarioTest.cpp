@@ -1,9 +1,9 @@
 // Whole runs as data: every folder of tests/scenarios/ is a machine, the three files before, and the files, the log and
 // the message after. They go through the public face alone.
-#include "MachineJson.h"
 #include "QovXml.h"
-#include "SimulatedMachine.h"
-#include "Utf16.h"
+#include "machine/MachineJson.h"
+#include "machine/Utf16.h"
+#include "simulation/SimulatedMachine.h"
 #include "support/Failures.h"
 #include "support/RecordingLogger.h"
 #include "support/Scratch.h"
@@ -55,7 +55,7 @@ std::vector<std::string> ActualLog(const RecordingLogger& logger)
 {
     std::vector<std::string> messages;
     for (const auto& [level, message] : logger.messages)
-        messages.push_back((level == LogLevel::Warning ? "[warning] " : "") + simulation::Utf16ToUtf8(message));
+        messages.push_back((level == LogLevel::Warning ? "[warning] " : "") + machine::Utf16ToUtf8(message));
     return messages;
 }
 
@@ -96,7 +96,7 @@ TEST_P(ScenarioTest, RunsAsDescribed)
         std::vector<std::unique_ptr<UnwritableFile>> unwritable;
         for (const auto& name : expected.value("unwritable", nlohmann::json::array()))
             unwritable.push_back(std::make_unique<UnwritableFile>(name.get<std::string>()));
-        const simulation::SimulatedMachine machine(simulation::ReadMachine((scenario / "machine.json").string()));
+        const simulation::SimulatedMachine machine(machine::ReadMachine((scenario / "machine.json").string()));
         message = MessageOf([&] { QovXml::ConfigureQovXmls({FileNames[0], FileNames[1], FileNames[2]}, logger); });
     }
 

@@ -1,4 +1,4 @@
-#include "Utf16.h"
+#include "machine/Utf16.h"
 
 #include <gtest/gtest.h>
 
@@ -19,17 +19,17 @@ TEST(Utf16Test, TurnsCodePointsIntoUnitsAndBack)
         {L"\xd800\xdc00\xd83c\xdfa7\xdbff\xdfff", "\xf0\x90\x80\x80\xf0\x9f\x8e\xa7\xf4\x8f\xbf\xbf"},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(simulation::Utf8ToUtf16(row.narrow), row.wide);
-        EXPECT_EQ(simulation::Utf16ToUtf8(row.wide), row.narrow);
+        EXPECT_EQ(machine::Utf8ToUtf16(row.narrow), row.wide);
+        EXPECT_EQ(machine::Utf16ToUtf8(row.wide), row.narrow);
     }
 }
 
 TEST(Utf16Test, ReplacesUnpairedSurrogates)
 {
-    EXPECT_EQ(simulation::Utf16ToUtf8(L"a\xd83c"), "a\xef\xbf\xbd");
-    EXPECT_EQ(simulation::Utf16ToUtf8(L"\xdfa7z\xdbffz"), "\xef\xbf\xbdz\xef\xbf\xbdz");
-    EXPECT_EQ(simulation::Utf16ToUtf8(L"\xdfa7\xd83c"), "\xef\xbf\xbd\xef\xbf\xbd");
-    EXPECT_EQ(simulation::Utf16ToUtf8(L"\xd83c\xd83c\xdfa7"), "\xef\xbf\xbd\xf0\x9f\x8e\xa7");
+    EXPECT_EQ(machine::Utf16ToUtf8(L"a\xd83c"), "a\xef\xbf\xbd");
+    EXPECT_EQ(machine::Utf16ToUtf8(L"\xdfa7z\xdbffz"), "\xef\xbf\xbdz\xef\xbf\xbdz");
+    EXPECT_EQ(machine::Utf16ToUtf8(L"\xdfa7\xd83c"), "\xef\xbf\xbd\xef\xbf\xbd");
+    EXPECT_EQ(machine::Utf16ToUtf8(L"\xd83c\xd83c\xdfa7"), "\xef\xbf\xbd\xf0\x9f\x8e\xa7");
 }
 
 }  // namespace

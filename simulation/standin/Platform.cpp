@@ -1,10 +1,10 @@
-#include "Platform.h"
+#include "simulation/Platform.h"
 
 #include "WinApiControl.h"
 
 namespace simulation {
 
-PlatformScope::PlatformScope(const MachineDescription& machine, CallMonitor& calls)
+PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMonitor& calls)
 {
     winapi::SetWindowsVersion({machine.windowsVersion.major, machine.windowsVersion.minor, 0});
     winapi::SetCallHook([&calls](const char* function) { return calls.EnterFunction(function); });

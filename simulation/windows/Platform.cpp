@@ -1,5 +1,5 @@
 // Windows reports itself, and its functions cannot be watched: a machine that needs more is refused.
-#include "Platform.h"
+#include "simulation/Platform.h"
 
 #include <stdexcept>
 #include <string>
@@ -21,16 +21,16 @@ bool IsAtLeast(DWORD major, DWORD minor)
 
 }  // namespace
 
-PlatformScope::PlatformScope(const MachineDescription& machine, CallMonitor&)
+PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMonitor&)
 {
     // What counts is on which side of Windows 8.1 the machine stands.
-    const WindowsVersion& wanted = machine.windowsVersion;
+    const machine::WindowsVersion& wanted = machine.windowsVersion;
     const bool wantsNew = wanted.major > 6 || (wanted.major == 6 && wanted.minor >= 3);
     if (wantsNew != IsAtLeast(6, 3))
         throw std::runtime_error("This machine is described for Windows " + std::to_string(wanted.major) + "." +
                                  std::to_string(wanted.minor) + ", but this Windows reports another generation");
-    for (const Fault& fault : machine.faults)
-        if (IsWindowsFunction(fault.call))
+    for (const machine::Fault& fault : machine.faults)
+        if (machine::FindPlatformCall(fault.call)->IsFunction())
             throw std::runtime_error("Windows' own " + fault.call + " cannot be made to fail");
 }
 

@@ -12,7 +12,8 @@ namespace winapi {
 
 // Called on entry of every fallible function with its name. A value makes the function do nothing but give that
 // result (a Windows error code or an HRESULT, as the function returns; for VerifyVersionInfoW the last error, with
-// FALSE). One exception: a failed RegCloseKey still gives up the handle.
+// FALSE). Two exceptions: a failed RegCloseKey still gives up the handle, and an HRESULT that is a success code is
+// given in the place of S_OK by a function that does its work.
 using CallHook = std::function<std::optional<LONG>(const char* function)>;
 void SetCallHook(CallHook hook);
 

@@ -11,6 +11,7 @@ namespace {
 
 using winapi::internal::Intercepted;
 using winapi::internal::Unsupported;
+using winapi::internal::Watched;
 
 enum class Apartment { None, SingleThreaded, Multithreaded };
 
@@ -62,18 +63,18 @@ HRESULT STDAPICALLTYPE CoInitializeEx(LPVOID reserved, DWORD apartment)
     if (reserved != nullptr ||
         (apartment & ~static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) != 0)
         Unsupported("CoInitializeEx", "reserved pointer or apartment flags");
-    if (const auto result = Intercepted("CoInitializeEx"))
-        return *result;
-    const Apartment wanted =
-        (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
-    if (thisThread.joins > 0 && thisThread.apartment != wanted)
-        return RPC_E_CHANGED_MODE;
-    const std::lock_guard lock(Com().mutex);
-    ++Com().joins;
-    if (wanted == Apartment::Multithreaded)
-        ++Com().multithreadedJoins;
-    thisThread.apartment = wanted;
-    return ++thisThread.joins == 1 ? S_OK : S_FALSE;
+    return Watched("CoInitializeEx", [&]() -> HRESULT {
+        const Apartment wanted =
+            (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+        if (thisThread.joins > 0 && thisThread.apartment != wanted)
+            return RPC_E_CHANGED_MODE;
+        const std::lock_guard lock(Com().mutex);
+        ++Com().joins;
+        if (wanted == Apartment::Multithreaded)
+            ++Com().multithreadedJoins;
+        thisThread.apartment = wanted;
+        return ++thisThread.joins == 1 ? S_OK : S_FALSE;
+    });
 }
 
 void STDAPICALLTYPE CoUninitialize()
@@ -101,30 +102,29 @@ HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD
     if (object == nullptr)
         return E_POINTER;
     *object = nullptr;
-    if (const auto result = Intercepted("CoCreateInstance"))
-        return *result;
-
-    IUnknown* registered = nullptr;
-    {
-        const std::lock_guard lock(Com().mutex);
-        std::thread::id thread;
-        if (!CurrentApartment(Com(), thread))
-            return CO_E_NOTINITIALIZED;
-        for (const auto& [cookie, candidate] : Com().classObjects)
-            if (candidate.classId == classId && candidate.thread == thread && (candidate.context & context) != 0)
-                registered = candidate.factory;
-        if (registered == nullptr)
-            return REGDB_E_CLASSNOTREG;
-        registered->AddRef();
-    }
-    void* factory = nullptr;
-    HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &factory);
-    registered->Release();
-    if (FAILED(result))
+    return Watched("CoCreateInstance", [&]() -> HRESULT {
+        IUnknown* registered = nullptr;
+        {
+            const std::lock_guard lock(Com().mutex);
+            std::thread::id thread;
+            if (!CurrentApartment(Com(), thread))
+                return CO_E_NOTINITIALIZED;
+            for (const auto& [cookie, candidate] : Com().classObjects)
+                if (candidate.classId == classId && candidate.thread == thread && (candidate.context & context) != 0)
+                    registered = candidate.factory;
+            if (registered == nullptr)
+                return REGDB_E_CLASSNOTREG;
+            registered->AddRef();
+        }
+        void* factory = nullptr;
+        HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &factory);
+        registered->Release();
+        if (FAILED(result))
+            return result;
+        result = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, riid, object);
+        static_cast<IClassFactory*>(factory)->Release();
         return result;
-    result = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, riid, object);
-    static_cast<IClassFactory*>(factory)->Release();
-    return result;
+    });
 }
 
 HRESULT STDAPICALLTYPE CoRegisterClassObject(REFCLSID classId, IUnknown* factory, DWORD context, DWORD flags,

@@ -1,93 +1,17 @@
-// A registry in process memory: keys and values by name without regard to case, subkeys listed in name order.
+// The registry functions, over a registry in process memory.
 #include "Internal.h"
+#include "RegistryStore.h"
 
 #include <algorithm>
-#include <locale>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <set>
-#include <string>
-#include <vector>
 
 namespace {
 
 using winapi::internal::Intercepted;
+using winapi::internal::KeyPtr;
+using winapi::internal::RegistryKey;
+using winapi::internal::RegistryStore;
+using winapi::internal::RegistryValue;
 using winapi::internal::Unsupported;
-
-struct NameOrder {
-    bool operator()(const std::wstring& left, const std::wstring& right) const
-    {
-        return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                            [](wchar_t a, wchar_t b) { return Upper(a) < Upper(b); });
-    }
-    static wchar_t Upper(wchar_t unit)
-    {
-        // Not the process's locale, which may know the letters of ASCII alone.
-        static const std::locale locale("C.UTF-8");
-        return std::toupper(unit, locale);
-    }
-};
-
-struct Value {
-    DWORD type = REG_NONE;
-    std::vector<BYTE> data;
-};
-
-struct Key {
-    bool isVolatile = false;
-    bool isDeleted = false;
-    std::map<std::wstring, std::shared_ptr<Key>, NameOrder> subKeys;
-    std::map<std::wstring, Value, NameOrder> values;
-};
-using KeyPtr = std::shared_ptr<Key>;
-
-void MarkDeleted(Key& key)
-{
-    key.isDeleted = true;
-    for (const auto& [name, subKey] : key.subKeys)
-        MarkDeleted(*subKey);
-}
-
-class Registry {
-public:
-    static Registry& Instance()
-    {
-        static Registry registry;
-        return registry;
-    }
-
-    std::mutex mutex;
-    std::map<HKEY, KeyPtr> roots{{HKEY_CURRENT_USER, std::make_shared<Key>()},
-                                 {HKEY_LOCAL_MACHINE, std::make_shared<Key>()}};
-    std::map<HKEY, KeyPtr> overrides;
-    std::map<HKEY, KeyPtr> open;
-    std::set<HKEY> readOnly;
-
-    // Gives the key behind a handle. That of a deleted key serves nothing but to be closed.
-    LSTATUS Find(HKEY handle, KeyPtr& key) const
-    {
-        for (const auto* handles : {&overrides, &roots, &open})
-            if (const auto found = handles->find(handle); found != handles->end()) {
-                key = found->second;
-                return key->isDeleted ? ERROR_KEY_DELETED : ERROR_SUCCESS;
-            }
-        return ERROR_INVALID_HANDLE;
-    }
-
-    HKEY Open(KeyPtr key, bool toRead)
-    {
-        const auto handle = reinterpret_cast<HKEY>(nextHandle_);
-        nextHandle_ += 4;
-        open.emplace(handle, std::move(key));
-        if (toRead)
-            readOnly.insert(handle);
-        return handle;
-    }
-
-private:
-    ULONG_PTR nextHandle_ = 0x100;
-};
 
 std::vector<std::wstring> PathNames(const char* function, LPCWSTR path)
 {
@@ -109,7 +33,7 @@ LSTATUS OpenPath(const char* function, HKEY key, LPCWSTR path, bool toRead, PHKE
 {
     if (const auto code = Intercepted(function))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -129,14 +53,6 @@ bool IsText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type
 bool IsNul(const BYTE* unit) { return unit[0] == 0 && unit[1] == 0; }
 
 }  // namespace
-
-void winapi::internal::CountRegistry(Holdings& holdings)
-{
-    Registry& registry = Registry::Instance();
-    const std::lock_guard lock(registry.mutex);
-    holdings.openKeys = registry.open.size();
-    holdings.overriddenKeys = registry.overrides.size();
-}
 
 LSTATUS WINAPI RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result)
 {
@@ -158,7 +74,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR 
         Unsupported("RegCreateKeyExW", "anything but options and full access");
     if (const auto code = Intercepted("RegCreateKeyExW"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -171,7 +87,7 @@ LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, LPWSTR 
                 found->subKeys.erase(name);
                 return ERROR_CHILD_MUST_BE_VOLATILE;
             }
-            next = std::make_shared<Key>();
+            next = std::make_shared<RegistryKey>();
             next->isVolatile = wantsVolatile;
         }
         found = next;
@@ -190,7 +106,7 @@ LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classLength, 
         Unsupported("RegQueryInfoKeyW", "anything but the class and the counts of subkeys and values");
     if (const auto code = Intercepted("RegQueryInfoKeyW"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -218,7 +134,7 @@ LSTATUS WINAPI RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameLen
         Unsupported("RegEnumKeyExW", "anything but the name");
     if (const auto code = Intercepted("RegEnumKeyExW"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -241,7 +157,7 @@ LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWOR
         return *code;
     if (data != nullptr && size == nullptr)
         return ERROR_INVALID_PARAMETER;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -273,7 +189,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
         Unsupported("RegSetValueExW", "the key's unnamed value");
     if (const auto code = Intercepted("RegSetValueExW"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -284,7 +200,7 @@ LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type
     const DWORD wholeUnits = size / 2 * 2;
     if (IsText(type) && wholeUnits != 0 && !IsNul(data + wholeUnits - 2) && IsNul(data + wholeUnits))
         size += 2;
-    found->values[name] = Value{type, size == 0 ? std::vector<BYTE>() : std::vector<BYTE>(data, data + size)};
+    found->values[name] = RegistryValue{type, size == 0 ? std::vector<BYTE>() : std::vector<BYTE>(data, data + size)};
     return ERROR_SUCCESS;
 }
 
@@ -295,7 +211,7 @@ LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey)
         Unsupported("RegDeleteTreeW", "a subkey path of more than one name");
     if (const auto code = Intercepted("RegDeleteTreeW"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     KeyPtr found;
     if (const LSTATUS status = registry.Find(key, found); status != ERROR_SUCCESS)
@@ -312,7 +228,7 @@ LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement)
 {
     if (const auto code = Intercepted("RegOverridePredefKey"))
         return *code;
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     if (!registry.roots.contains(key))
         return ERROR_INVALID_HANDLE;
@@ -330,7 +246,7 @@ LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement)
 LSTATUS WINAPI RegCloseKey(HKEY key)
 {
     const auto code = Intercepted("RegCloseKey");
-    Registry& registry = Registry::Instance();
+    RegistryStore& registry = RegistryStore::Instance();
     const std::lock_guard lock(registry.mutex);
     if (registry.roots.contains(key))
         return code.value_or(ERROR_SUCCESS);

@@ -11,8 +11,8 @@
 
 namespace {
 
-using winapi::internal::Intercepted;
 using winapi::internal::Unsupported;
+using winapi::internal::Watched;
 
 struct TaskMemory {
     std::mutex mutex;
@@ -73,51 +73,51 @@ void STDAPICALLTYPE CoTaskMemFree(LPVOID memory)
 
 HRESULT STDAPICALLTYPE CLSIDFromString(LPCWSTR text, LPCLSID classId)
 {
-    if (const auto result = Intercepted("CLSIDFromString"))
-        return *result;
-    if (classId == nullptr)
-        return E_INVALIDARG;
-    *classId = CLSID{};
-    if (text == nullptr)
-        return S_OK;
-    std::string digits;
-    for (int position = 0; position < ClassIdLength; ++position) {
-        const char form = ClassIdForm[position];
-        const WCHAR unit = text[position];
-        if (form == 'x' ? HexDigit(unit) < 0 : unit != static_cast<WCHAR>(form))
+    return Watched("CLSIDFromString", [&]() -> HRESULT {
+        if (classId == nullptr)
+            return E_INVALIDARG;
+        *classId = CLSID{};
+        if (text == nullptr)
+            return S_OK;
+        std::string digits;
+        for (int position = 0; position < ClassIdLength; ++position) {
+            const char form = ClassIdForm[position];
+            const WCHAR unit = text[position];
+            if (form == 'x' ? HexDigit(unit) < 0 : unit != static_cast<WCHAR>(form))
+                return CO_E_CLASSSTRING;
+            if (form == 'x')
+                digits += static_cast<char>(unit);
+        }
+        if (text[ClassIdLength] != L'\0')
             return CO_E_CLASSSTRING;
-        if (form == 'x')
-            digits += static_cast<char>(unit);
-    }
-    if (text[ClassIdLength] != L'\0')
-        return CO_E_CLASSSTRING;
-    const auto number = [&digits](std::size_t start, std::size_t count) {
-        return static_cast<std::uint32_t>(std::stoul(digits.substr(start, count), nullptr, 16));
-    };
-    classId->Data1 = number(0, 8);
-    classId->Data2 = static_cast<std::uint16_t>(number(8, 4));
-    classId->Data3 = static_cast<std::uint16_t>(number(12, 4));
-    for (std::size_t index = 0; index < 8; ++index)
-        classId->Data4[index] = static_cast<std::uint8_t>(number(16 + 2 * index, 2));
-    return S_OK;
+        const auto number = [&digits](std::size_t start, std::size_t count) {
+            return static_cast<std::uint32_t>(std::stoul(digits.substr(start, count), nullptr, 16));
+        };
+        classId->Data1 = number(0, 8);
+        classId->Data2 = static_cast<std::uint16_t>(number(8, 4));
+        classId->Data3 = static_cast<std::uint16_t>(number(12, 4));
+        for (std::size_t index = 0; index < 8; ++index)
+            classId->Data4[index] = static_cast<std::uint8_t>(number(16 + 2 * index, 2));
+        return S_OK;
+    });
 }
 
 HRESULT STDAPICALLTYPE StringFromCLSID(REFCLSID classId, LPWSTR* text)
 {
     *text = nullptr;
-    if (const auto result = Intercepted("StringFromCLSID"))
-        return *result;
-    char narrow[ClassIdLength + 1];
-    const std::uint8_t* const last = classId.Data4;
-    std::snprintf(narrow, sizeof(narrow), ClassIdFormat, classId.Data1, classId.Data2, classId.Data3, last[0], last[1],
-                  last[2], last[3], last[4], last[5], last[6], last[7]);
-    auto* const wide = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof(WCHAR) * sizeof(narrow)));
-    if (wide == nullptr)
-        return E_OUTOFMEMORY;
-    for (std::size_t index = 0; index < sizeof(narrow); ++index)
-        wide[index] = static_cast<WCHAR>(narrow[index]);
-    *text = wide;
-    return S_OK;
+    return Watched("StringFromCLSID", [&]() -> HRESULT {
+        char narrow[ClassIdLength + 1];
+        const std::uint8_t* const last = classId.Data4;
+        std::snprintf(narrow, sizeof(narrow), ClassIdFormat, classId.Data1, classId.Data2, classId.Data3, last[0],
+                      last[1], last[2], last[3], last[4], last[5], last[6], last[7]);
+        auto* const wide = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof(WCHAR) * sizeof(narrow)));
+        if (wide == nullptr)
+            return E_OUTOFMEMORY;
+        for (std::size_t index = 0; index < sizeof(narrow); ++index)
+            wide[index] = static_cast<WCHAR>(narrow[index]);
+        *text = wide;
+        return S_OK;
+    });
 }
 
 HRESULT STDAPICALLTYPE PropVariantClear(PROPVARIANT* value)

@@ -1,3 +1,0 @@
-#include "DefaultMachine.h"
-
-std::optional<simulation::MachineDescription> host::DefaultMachine() { return std::nullopt; }

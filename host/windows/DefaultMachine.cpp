@@ -1,0 +1,3 @@
+#include "DefaultMachine.h"
+
+std::optional<machine::MachineDescription> host::DefaultMachine() { return std::nullopt; }

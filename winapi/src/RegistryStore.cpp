@@ -1,0 +1,68 @@
+#include "RegistryStore.h"
+
+#include "Internal.h"
+
+#include <algorithm>
+#include <locale>
+
+namespace winapi::internal {
+
+namespace {
+
+wchar_t Upper(wchar_t unit)
+{
+    // Not the process's locale, which may know the letters of ASCII alone.
+    static const std::locale locale("C.UTF-8");
+    return std::toupper(unit, locale);
+}
+
+}  // namespace
+
+bool NameOrder::operator()(const std::wstring& left, const std::wstring& right) const
+{
+    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
+                                        [](wchar_t a, wchar_t b) { return Upper(a) < Upper(b); });
+}
+
+void MarkDeleted(RegistryKey& key)
+{
+    key.isDeleted = true;
+    for (const auto& [name, subKey] : key.subKeys)
+        MarkDeleted(*subKey);
+}
+
+RegistryStore& RegistryStore::Instance()
+{
+    static RegistryStore store;
+    return store;
+}
+
+LSTATUS RegistryStore::Find(HKEY handle, KeyPtr& key) const
+{
+    for (const auto* handles : {&overrides, &roots, &open})
+        if (const auto found = handles->find(handle); found != handles->end()) {
+            key = found->second;
+            return key->isDeleted ? ERROR_KEY_DELETED : ERROR_SUCCESS;
+        }
+    return ERROR_INVALID_HANDLE;
+}
+
+HKEY RegistryStore::Open(KeyPtr key, bool toRead)
+{
+    const auto handle = reinterpret_cast<HKEY>(nextHandle_);
+    nextHandle_ += 4;
+    open.emplace(handle, std::move(key));
+    if (toRead)
+        readOnly.insert(handle);
+    return handle;
+}
+
+void CountRegistry(Holdings& holdings)
+{
+    RegistryStore& registry = RegistryStore::Instance();
+    const std::lock_guard lock(registry.mutex);
+    holdings.openKeys = registry.open.size();
+    holdings.overriddenKeys = registry.overrides.size();
+}
+
+}  // namespace winapi::internal
