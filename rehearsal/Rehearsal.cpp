@@ -1,0 +1,171 @@
+#include "rehearsal/Rehearsal.h"
+
+#include "rehearsal/TemporaryFolder.h"
+#include "simulation/SimulatedMachine.h"
+
+#include <exception>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+namespace rehearsal {
+
+namespace {
+
+// By narrow path, as the library opens it.
+std::optional<std::string> ReadFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    if (!file || file.peek() == std::ifstream::traits_type::eof())
+        return file.bad() || !file.is_open() ? std::nullopt : std::optional<std::string>("");
+    if (!(bytes << file.rdbuf()))
+        return std::nullopt;
+    return std::move(bytes).str();
+}
+
+template <class Text>
+void Replace(Text& text, const Text& from, const Text& to)
+{
+    for (std::size_t at = 0; (at = text.find(from, at)) != Text::npos; at += to.size())
+        text.replace(at, from.size(), to);
+}
+
+// As the library puts a path into a log message: one unit for each byte.
+std::wstring Widen(const std::string& path)
+{
+    std::wstring wide;
+    for (const char byte : path)
+        wide += static_cast<wchar_t>(static_cast<unsigned char>(byte));
+    return wide;
+}
+
+// The copies of the three files, and the names that they stand for.
+class Copies {
+public:
+    explicit Copies(const QovXml::Config& originals)
+        : pairs_{{{originals.ConfigurationFile, CopyPath("configuration.xml")},
+                  {originals.SettingsFile, CopyPath("settings.xml")},
+                  {originals.ApoPipelinesDefinitionFile, CopyPath("pipelines.xml")}}}
+    {
+    }
+
+    // Copies every file that there is.
+    std::array<FileOutcome, 3> Make() const
+    {
+        std::array<FileOutcome, 3> files;
+        for (std::size_t index = 0; index < pairs_.size(); ++index) {
+            const auto& [original, copy] = pairs_[index];
+            files[index] = {original, ReadFile(original), {}};
+            if (!files[index].before)
+                continue;
+            std::ofstream file(copy, std::ios::binary);
+            file << *files[index].before << std::flush;
+            if (!file)
+                throw std::runtime_error("The copy " + copy + " of " + original + " cannot be written");
+        }
+        return files;
+    }
+
+    void ReadBack(std::array<FileOutcome, 3>& files) const
+    {
+        for (std::size_t index = 0; index < pairs_.size(); ++index)
+            files[index].after = ReadFile(pairs_[index].second);
+    }
+
+    [[nodiscard]] QovXml::Config Paths() const { return {pairs_[0].second, pairs_[1].second, pairs_[2].second}; }
+
+    [[nodiscard]] std::string WithOriginals(std::string message) const
+    {
+        for (const auto& [original, copy] : pairs_)
+            Replace(message, copy, original);
+        return message;
+    }
+    [[nodiscard]] std::wstring WithOriginals(std::wstring message) const
+    {
+        for (const auto& [original, copy] : pairs_)
+            Replace(message, Widen(copy), Widen(original));
+        return message;
+    }
+
+private:
+    [[nodiscard]] std::string CopyPath(const char* name) const { return (folder_.Path() / name).string(); }
+
+    TemporaryFolder folder_;
+    std::array<std::pair<std::string, std::string>, 3> pairs_;  // original and copy
+};
+
+// Keeps the messages, and between them the platform calls that came before each.
+class EventLogger final : public ILogger {
+public:
+    EventLogger(const Copies& copies, const simulation::SimulatedMachine* machine) : copies_(copies), machine_(machine)
+    {
+    }
+
+    void Log(LogLevel level, const std::wstring& message) override
+    {
+        TakeCalls();
+        events_.push_back(LogMessage{level, copies_.WithOriginals(message)});
+    }
+
+    std::vector<Event> TakeEvents()
+    {
+        TakeCalls();
+        return std::move(events_);
+    }
+
+private:
+    void TakeCalls()
+    {
+        if (machine_ == nullptr)
+            return;
+        const std::vector<simulation::CallRecord>& calls = machine_->Calls();
+        events_.insert(events_.end(), calls.begin() + static_cast<std::ptrdiff_t>(taken_), calls.end());
+        taken_ = calls.size();
+    }
+
+    const Copies& copies_;
+    const simulation::SimulatedMachine* const machine_;
+    std::size_t taken_ = 0;
+    std::vector<Event> events_;
+};
+
+Outcome Run(const QovXml::Config& files, const simulation::SimulatedMachine* machine)
+{
+    const Copies copies(files);
+    Outcome outcome;
+    outcome.files = copies.Make();
+    EventLogger logger(copies, machine);
+    try {
+        QovXml::ConfigureQovXmls(copies.Paths(), logger);
+    } catch (const std::exception& failure) {
+        outcome.failure = copies.WithOriginals(std::string(failure.what()));
+    }
+    outcome.events = logger.TakeEvents();
+    copies.ReadBack(outcome.files);
+    return outcome;
+}
+
+}  // namespace
+
+Outcome Rehearse(const machine::MachineDescription& machine, const QovXml::Config& files)
+{
+    const simulation::SimulatedMachine simulated(machine);
+    Outcome outcome = Run(files, &simulated);
+    outcome.unusedFaults = simulated.FaultsThatNeverFired();
+    return outcome;
+}
+
+Outcome Rehearse(const QovXml::Config& files) { return Run(files, nullptr); }
+
+std::vector<LogMessage> Log(const Outcome& outcome)
+{
+    std::vector<LogMessage> messages;
+    for (const Event& event : outcome.events)
+        if (const auto* const message = std::get_if<LogMessage>(&event))
+            messages.push_back(*message);
+    return messages;
+}
+
+}  // namespace rehearsal
