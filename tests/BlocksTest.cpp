@@ -66,7 +66,10 @@ TEST_P(BlocksTest, DisablingAndEnablingAreInverse)
           // Tags over several lines, and attributes that look like the end of a tag.
           "[<@| n='Zan'| v='1'|>|</@>]", "[<@ n='Zan' v=\"'/>\" w='\"/>' >|</@>]",
           // Elements with a longer name, and empty ones of another name.
-          "[<@ n='Zan'>|<@Ref n='b'/>|<@2></@2>|</@>]", "[<@ n='Zan'><v/>|<w x='1'/>|</@>]"}) {
+          "[<@ n='Zan'>|<@Ref n='b'/>|<@2></@2>|</@>]", "[<@ n='Zan'>|<@\x80/><@\xff/>|</@>]",
+          "[<@ n='Zan'>|<@0/><@9/><@A/><@Z/><@a/><@z/><@_/><@-/><@./><@:/>|</@>]",
+          // Any line that holds the start tag starts a block, whatever follows it.
+          "[<@Ref n='Zan'>|</@>]", "[<@ n='Zan'><v/>|<w x='1'/>|</@>]"}) {
         const LineFile enabled = Lines(text, Enable), disabled = Lines(text, Disable);
         for (const LineFile& lines : {enabled, disabled}) {
             EXPECT_EQ(Edit(Disable, lines, disabled), Done) << text;
@@ -101,30 +104,45 @@ TEST_P(BlocksTest, RefusesABlockWithoutItsTags)
 
 TEST_P(BlocksTest, RefusesABlockThatWouldNotSurvive)
 {
+    struct Refusal {
+        Way way;
+        std::string reason;
+        std::vector<std::string> texts;
+    };
     // "#" marks the line that the message names; the lines of the block above count as well.
-    const std::vector<std::string> texts[] = {
-        {// A block of the same kind inside, or part of one.
-         "<@ n='Zan'>||#<@ n='b'>|</@>|</@>", "<@ n='Zan'>|#<@>|</@>|</@>", "<@ n='Zan'>|#<@/>|</@>",
-         "<@ n='Zan'>|#<@\tn='b'>|</@>|</@>", "<@ n='Zan'>|x #<@|n='b'>|</@>|</@>", "|<@ n='Zan'>#<@ n='b'>|</@>|</@>",
-         "<@ n='Zan'>|<@Ref/>#<@ n='b'></@>|</@>", "<@ n='a'>|</@>|Zan|#<@ n='Zan'>|</@>",
-         "<@ n='a'>|#</@><@ n='Zan'>|</@>", "<@ n='Zan'>|</@>#<@ n='b'>|</@>", "<@ n='o'>|<@ n='i'>|#</@>|Zan|</@>",
-         // An element without an end tag of its own.
-         "<@ n='a'>|#<@ n='Zan'/>|</@>", "<@ n='a'>|#<@ n='Zan' v=\"'>\" w='>\"' />|</@>",
-         "<@ n='a'>|<@|n='Zan'|v='a>b'|#/>|</@>",
-         // Comment markers inside.
-         "<@ n='Zan'>||#[ x ]|</@>", "<@ n='Zan'>|x #[|</@>", "<@ n='Zan'>|x #]|</@>", "[ x|#]<@ n='Zan'>|</@>",
-         "<@ n='Zan'>|</@> #[ x ]", "<@ n='Zan'>#]</@>"},
-        {"[<@ n='Zan'>||#<@ n='b'>|</@>]|</@>", "[<@ n='a'>|</@>]|Zan|#[<@ n='b'>|</@>]",
-         "<@ n='a'>|#[</@><@ n='Zan'>|</@>]", "<@ n='a'>|#[<@ n='Zan'/>|</@>]",
-         // Comment markers in other places than disabling sets them.
-         "|  #[<@ n='Zan'>|</@>]", "<@ n='Zan'> #[ x ]|</@>]", "[<@ n='Zan'>||#</@>", "[<@ n='Zan'>||#</@>] ",
-         "[<@ n='Zan'>|#</@>] [ x ]", "#[<@ n='Zan'>]|[ x ]|[</@>]", "#[ x ]<@ n='Zan'>|</@>[ x ]"}};
-    for (const Way way : {Disable, Enable}) {
-        for (std::string text : texts[way]) {
+    const std::string another = "starts another block inside it", further = "holds a further comment marker";
+    const Refusal rows[] = {
+        {Disable,
+         another,
+         {"<@ n='Zan'>||#<@ n='b'>|</@>|</@>", "<@ n='Zan'>|#<@>|</@>|</@>", "<@ n='Zan'>|#<@/>|</@>",
+          "<@ n='Zan'>|#<@\tn='b'>|</@>|</@>", "<@ n='Zan'>|x #<@|n='b'>|</@>|</@>", "|<@ n='Zan'>#<@ n='b'>|</@>|</@>",
+          "<@ n='Zan'>|<@Ref/>#<@ n='b'></@>|</@>", "<@ n='a'>|</@>|Zan|#<@ n='Zan'>|</@>",
+          "<@ n='Zan'>|</@>#<@ n='b'>|</@>"}},
+        {Disable, "holds the end of another block", {"<@ n='a'>|#</@><@ n='Zan'>|</@>"}},
+        {Disable, "ends another block inside it", {"<@ n='o'>|<@ n='i'>|#</@>|Zan|</@>"}},
+        {Disable,
+         "closes the element in its start tag",
+         {"<@ n='a'>|#<@ n='Zan'/>|</@>", "<@ n='a'>|#<@ n='Zan' v=\"'>\" w='>\"' />|</@>",
+          "<@ n='a'>|<@|n='Zan'|v='a>b'|#/>|</@>", "#<@Ref n='Zan'/>|</@>"}},
+        {Disable,
+         "holds a comment marker",
+         {"<@ n='Zan'>||#[ x ]|</@>", "<@ n='Zan'>|x #[|</@>", "<@ n='Zan'>|x #]|</@>", "[ x|#]<@ n='Zan'>|</@>",
+          "<@ n='Zan'>|</@> #[ x ]", "<@ n='Zan'>#]</@>"}},
+        {Enable, another, {"[<@ n='Zan'>||#<@ n='b'>|</@>]|</@>", "[<@ n='a'>|</@>]|Zan|#[<@ n='b'>|</@>]"}},
+        {Enable, "holds the end of another block", {"<@ n='a'>|#[</@><@ n='Zan'>|</@>]"}},
+        {Enable, "closes the element in its start tag", {"<@ n='a'>|#[<@ n='Zan'/>|</@>]"}},
+        // Comment markers in other places than disabling sets them.
+        {Enable, "does not begin with \"<!--\"", {"|  #[<@ n='Zan'>|</@>]", "<@ n='Zan'> #[ x ]|</@>]"}},
+        {Enable, "does not end with \"-->\"", {"[<@ n='Zan'>||#</@>", "[<@ n='Zan'>||#</@>] "}},
+        {Enable, further, {"[<@ n='Zan'>|#</@>] [ x ]", "#[<@ n='Zan'>]|[ x ]|[</@>]", "#[ x ]<@ n='Zan'>|</@>[ x ]"}},
+    };
+    for (const Refusal& row : rows) {
+        for (std::string text : row.texts) {
             const auto line = 3 + std::count(text.begin(), std::find(text.begin(), text.end(), '#'), '|');
             std::erase(text, '#');
-            const std::string message = RefusalOf(way, text);
-            EXPECT_NE(message.find("\"Zan\": line " + std::to_string(line) + " "), text.npos) << text << message;
+            EXPECT_EQ(RefusalOf(row.way, text), std::string("Cannot ") + (row.way == Disable ? "disable" : "enable") +
+                                                    " block \"Zan\": line " + std::to_string(line) + " " + row.reason)
+                << text;
         }
     }
 }

@@ -139,6 +139,20 @@ TEST(EndpointRegistryTest, TakesDevicePathsApart)
     }
 }
 
+TEST(EndpointRegistryTest, PassesOverKeysWhoseNamesAreTooLong)
+{
+    for (const auto& [length, message] :
+         {std::pair(254u, "Call to CLSIDFromString() API failed with error code: 0x800401f3"),
+          std::pair(255u, Nothing)}) {
+        machine::MachineDescription description;
+        description.furtherRenderKeys = {std::wstring(length, L'x')};
+        const SimulatedMachine machine(description);
+        const ComApartment apartment;
+        RecordingLogger logger;
+        EXPECT_EQ(MessageOf([&] { qov::GetAudioEndpoints(Render, logger); }), message);
+    }
+}
+
 TEST(EndpointRegistryTest, ListsOneDirectionOnly)
 {
     const SimulatedMachine machine({});

@@ -50,10 +50,23 @@ machine::MachineDescription Machine(EDataFlow flow, std::vector<PartDescription>
     return machine;
 }
 
-std::vector<PartDescription> StraightPath()
+std::vector<PartDescription> StraightPath(UINT end = 0x10002)
 {
-    return {ConnectorPart(0x10001, Physical_Internal, {0x20007}), Subunit(0x20007, {0x10002}, SelectorKind::Input),
-            ConnectorPart(0x10002, Software_IO)};
+    return {ConnectorPart(0x10001, Physical_Internal, {0x20007}), Subunit(0x20007, {end}, SelectorKind::Input),
+            ConnectorPart(end, Software_IO)};
+}
+
+// A capture endpoint whose walk ends at the first of these software pins and finds the way to the others.
+machine::MachineDescription ScannedMachine(const std::vector<UINT>& softwarePins)
+{
+    std::vector<PartDescription> parts = {ConnectorPart(0x10001, Physical_Internal, {softwarePins.front()})};
+    for (const UINT id : softwarePins)
+        parts.push_back(ConnectorPart(id, Software_IO));
+    machine::MachineDescription machine = Machine(eCapture, parts);
+    for (const UINT id : softwarePins)
+        machine.devices[0].topology.signalPaths.emplace_back(softwarePins.front(), id);
+    machine.devices[0].filter->pins.clear();
+    return machine;
 }
 
 struct FwRun {
@@ -85,18 +98,21 @@ struct FwRun {
 
 TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
 {
-    const FwRun render(Machine(eRender, StraightPath()));
+    machine::MachineDescription described = Machine(eRender, StraightPath(0x1A002));
+    described.devices[0].filter->audioEngineNodes = {{0xA002, 4, 0x12345605, 6}};
+    described.devices[0].filter->pins[0].pinId = 0x12345605;
+    const FwRun render(described);
     // Property set (in its memory layout), property id, flags, pin or node, reserved; the list request's selector.
-    const std::string descriptor = "dc822f3a6f88aa4b9eb4082b9025c536" + std::string("06000000010000100200000000000000");
-    const std::string version = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("00000000010000000500000000000000");
-    const std::string list = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("01000000010000000500000000000000") +
+    const std::string descriptor = "dc822f3a6f88aa4b9eb4082b9025c536" + std::string("060000000100001002a0000000000000");
+    const std::string version = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("00000000010000000556341200000000");
+    const std::string list = "37cee9ba99aac74b9bdf4cbf3d23e1b9" + std::string("01000000010000000556341200000000") +
                              "7e2f8ec13d936549b7d11eef228d2af3";
     const std::vector<std::string> requests = {descriptor + ", data 12", version + ", data 5", list + ", no data 0",
                                                list + ", data 156"};
     EXPECT_EQ(render.Arguments("IKsControl::KsProperty"), requests);
     EXPECT_EQ(render.machine.Selection({Adapter, 0x20007}), 0x10001u);
     ASSERT_EQ(render.modules.size(), 1u);
-    EXPECT_EQ(render.modules[0].PropertyPinId, 5u);
+    EXPECT_EQ(render.modules[0].PropertyPinId, 0x12345605u);
     EXPECT_TRUE(render.modules[0].KsControl);
 }
 
@@ -128,6 +144,9 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
         {"fewer bytes returned than asked", {5, {1}, one, {}, 155}, 0, L"1"},
         {"hardly any returned", {5, {1}, one, {}, 7}, 0, nullptr},
         {"more bytes returned than asked", {5, {1}, one, 60, 0xFFFFFFFF}, 0, L"1"},
+        {"no byte count returned", {5, {1}, one, {}, 0}, 1, L"1"},
+        {"256 KiB", {5, {1}, one, 262144, {}}, 1, L"1"},
+        {"more than 256 KiB", {5, {1}, one, 262145, {}}, 0, nullptr},
         {"four gigabytes", {5, {1}, one, 0xFFFFFFFF, {}}, 0, nullptr},
         {"no version bytes", {5, {}, one, {}, {}}, 0, nullptr},
         {"another version", {5, {2, 1, 1, 1, 1}, one, {}, {}}, 0, nullptr},
@@ -146,6 +165,46 @@ TEST(FwDiscovery, TakesNothingFromAReplyThatDoesNotHoldWhatItPromises)
         EXPECT_EQ(logged,
                   row.count == nullptr ? L"" : std::wstring(L"Modules count:") + row.count + L" modules size:156");
     }
+}
+
+TEST(FwDiscovery, ReadsZerosWhereTheDriverWroteNothing)
+{
+    machine::MachineDescription described = ScannedMachine({0x10002, 0x1FF02});
+    const Bytes one = machine::ModuleListReply({{2, Spatialf}});
+    const Bytes head(one.begin(), one.begin() + 8);
+    described.devices[0].filter->pins = {{2, {1}, one, {}, {}}, {0xFF02, {1}, head, 156, 0}};
+    const FwRun run(described);
+    ASSERT_EQ(run.modules.size(), 2u);
+    EXPECT_TRUE(run.modules[0].ModuleGuid == Spatialf);
+    EXPECT_EQ(run.modules[1].PropertyPinId, 0xFF02u);
+    EXPECT_TRUE(run.modules[1].ModuleGuid == GUID{});
+    EXPECT_EQ(run.modules[1].Type, qov::ModuleType::SFX);
+}
+
+TEST(FwDiscovery, BoundsWhatOneEndpointMayCost)
+{
+    // More pins than are scanned; the first connector of the filter is none. All list 100 modules, but for the last.
+    std::vector<UINT> ids(1100);
+    std::iota(ids.begin(), ids.end(), 0x10002);
+    machine::MachineDescription described = ScannedMachine(ids);
+    const auto reply = [](std::size_t count) {
+        return machine::ModuleListReply(std::vector<machine::FwModuleEntry>(count, {1, Spatialf}));
+    };
+    for (ULONG pin = 2; pin <= 1023; ++pin)
+        described.devices[0].filter->pins.push_back({pin, {1}, reply(100), {}, {}});
+    described.devices[0].filter->pins.push_back({1024, {1}, reply(24), {}, {}});
+    described.endpoints[0].properties = {{L"{233164c8-1b2c-4c7d-bc68-b671687a2567},1", REG_SZ, {}}};
+
+    const FwRun run(described);
+    EXPECT_EQ(run.message, "(nothing thrown)");
+    ASSERT_EQ(run.modules.size(), 1024u) << "ten pins, and the last";
+    EXPECT_EQ(run.modules[999].PropertyPinId, 11u);
+    EXPECT_EQ(run.modules[1000].PropertyPinId, 1024u);
+    const auto texts = run.logger.Texts();
+    EXPECT_EQ(std::count_if(texts.begin(), texts.end(), [](const auto& text) { return text.starts_with(L"[REG_SZ]"); }),
+              1024);
+    EXPECT_LE(run.Arguments("RegQueryValueExW").size(), 2u * 1024);
+    EXPECT_EQ(run.Arguments("IKsControl::KsProperty").size(), 3u * 1023);
 }
 
 // A part whose neighbours cannot be listed: the walk drops it and goes on with the next.

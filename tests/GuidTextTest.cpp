@@ -22,8 +22,8 @@ TEST(GuidTextTest, WritesAndReadsTheBracedForm)
         EXPECT_EQ(TextToGuid(text + std::wstring(L"\0\0z", 3)), guid);
     }
     EXPECT_EQ(TextToGuid(L"{BCDE0395-E52F-467C-8E3D-C4579291692E}"), goodGuid);
-    for (const std::wstring& text :
-         {std::wstring(L"no GUID"), good.substr(0, 37), good.substr(0, 36) + L"g}", std::wstring(L"{bcde\0", 6) + good})
+    for (const std::wstring& text : {std::wstring(L"no GUID"), good.substr(0, 37), good + L"z",
+                                     good.substr(0, 36) + L"g}", std::wstring(L"{bcde\0", 6) + good})
         EXPECT_EQ(MessageOf([&] { TextToGuid(text); }),
                   "Call to CLSIDFromString() API failed with error code: 0x800401f3");
 }
@@ -36,6 +36,7 @@ TEST(GuidTextTest, SplitsAtDelimiters)
         {L"a b,c\n", {L"a b,c\n"}},
         {L"a;b;", {L"a", L"b"}},
         {L";a;;b;;", {L"", L"a", L"", L"b", L""}},
+        {L"\xffff;\xffff\xfffe;\xffff", {L"\xffff", L"\xffff\xfffe", L"\xffff"}},
         {std::wstring(L"\0a;\0\x123b", 5), {std::wstring(L"\0a", 2), std::wstring(L"\0\x123b", 2)}}};
     for (const auto& [text, pieces] : rows)
         EXPECT_EQ(SplitText(text, L';'), pieces) << testing::PrintToString(text);

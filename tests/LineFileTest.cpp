@@ -62,4 +62,27 @@ TEST(LineFileTest, SaysWhatCannotBeReadButNotWhatCannotBeWritten)
     EXPECT_EQ(ReadBytes(path), "old\n");
 }
 
+// How often this process has asked the system to write.
+long WriteCalls()
+{
+    std::ifstream counters("/proc/self/io");
+    std::string name;
+    long count = 0;
+    while (counters >> name >> count && name != "syscw:") {
+    }
+    return count;
+}
+
+TEST(LineFileStandInTest, HandsOverLineByLineUntilOneFails)
+{
+    const ScratchFolder scratch;
+    const LineFile lines(100, "line");
+    const long start = WriteCalls();
+    WriteLineFile(lines, scratch.Path("file.xml"));
+    const long written = WriteCalls();
+    EXPECT_EQ(written - start, 100);
+    WriteLineFile(lines, "/dev/full");
+    EXPECT_LE(WriteCalls() - written, 2) << "the first line, and perhaps once more when the file is closed";
+}
+
 }  // namespace

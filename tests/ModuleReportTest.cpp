@@ -4,14 +4,22 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <tuple>
 
 namespace {
 
 using namespace qov;
 
+// A host's locale that sets a comma between any two digits.
+struct Grouping : std::numpunct<wchar_t> {
+    std::string do_grouping() const override { return "\1"; }
+    wchar_t do_thousands_sep() const override { return L','; }
+};
+
 TEST(ModuleReportTest, ListsTheModulesInOneMessage)
 {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouping));
     const AudioEndpoint endpoint{{0xA, 0xB, 0xC, {1, 2, 3, 4, 5, 6, 7, 8}}, qov::DataFlow::Capture, L"d&i", L"\x20ac"};
     const GUID guid{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x99, 0x9B, 0x3F, 0x74, 0x45}};
     const AudioModule fw{guid, ModuleLocation::FW, ModuleType::LFX, ModuleLevel::Wrapped, endpoint, {}, 4294967295};
@@ -46,6 +54,7 @@ TEST(ModuleReportTest, ListsTheModulesInOneMessage)
             L"\n" + rule + L"Discovered audio modules: \n" + rule + blocks + L"\nDiscovered " + counts + L"\n\n";
         EXPECT_EQ(logger.messages, (std::vector{std::pair{LogLevel::Info, report}}));
     }
+    std::locale::global(before);
 }
 
 }  // namespace

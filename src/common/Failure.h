@@ -1,20 +1,20 @@
 // Failures: every one is an exception whose text is the message, and nothing else.
 #pragma once
 
-#include <windows.h>
-
+#include <cstdint>
 #include <string>
 
 namespace qov {
 
 [[noreturn]] void Fail(const std::string& message);
 
-// `text` followed by the result code as 32 bits in lower-case hexadecimal without leading zeros.
-[[noreturn]] void FailWithCode(const std::string& text, LONG code);
+// `text` followed by the platform's result code as 32 bits in lower-case hexadecimal without leading zeros.
+[[noreturn]] void FailWithCode(const std::string& text, std::int32_t code);
 
-inline void FailIfFailed(HRESULT result, const char* text)
+// Takes an HRESULT: negative ones are failures.
+inline void FailIfFailed(std::int32_t result, const char* text)
 {
-    if (FAILED(result))
+    if (result < 0)
         FailWithCode(text, result);
 }
 

@@ -2,6 +2,7 @@
 
 #include "common/ComPtr.h"
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "common/Owners.h"
 #include "discovery/GuidText.h"
 
@@ -23,11 +24,11 @@ GUID ReadAndLogEndpoint(IMMDevice& endpoint, UINT index, ILogger& logger)
 
     PropertyValue friendlyName;
     FailIfFailed(properties->GetValue(FriendlyNameKey, friendlyName.Put()), "pProps->GetValue() failed with status: ");
-    logger.Log(LogLevel::Info, L"Endpoint #" + number + L": \"" + friendlyName.Text() + L"(" + deviceId.Text() + L")");
+    LogInfo(logger, L"Endpoint #" + number + L": \"" + friendlyName.Text() + L"(" + deviceId.Text() + L")");
 
     PropertyValue guidText;
     FailIfFailed(properties->GetValue(EndpointGuidKey, guidText.Put()), "pProps->GetValue() failed with status: ");
-    logger.Log(LogLevel::Info, L"GUID #" + number + L": " + guidText.Text());
+    LogInfo(logger, L"GUID #" + number + L": " + guidText.Text());
     return TextToGuid(guidText.Text());
 }
 

@@ -1,16 +1,18 @@
 #include "discovery/ApoDiscovery.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "discovery/EndpointRegistry.h"
 #include "discovery/GuidText.h"
 
-#include <cerrno>
-#include <cwchar>
+#include <algorithm>
+#include <charconv>
 #include <exception>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <system_error>
 
 namespace qov::AudioModulesUtils {
 
@@ -56,18 +58,27 @@ void AppendSlotModules(const AudioEndpoint& endpoint, ModuleList& modules, ILogg
     }
 }
 
-// A decimal number with optional leading white space and sign; what follows its last digit is not read.
-std::int32_t TextToNumber(const std::wstring& text)
+// A decimal number in ASCII with optional leading white space and sign, whatever locale the host has set; what follows
+// its last digit is not read.
+std::int32_t TextToNumber(std::wstring_view text)
 {
-    wchar_t* end = nullptr;
-    errno = 0;
-    const long long number = std::wcstoll(text.c_str(), &end, 10);
-    if (end == text.c_str())
-        Fail("invalid stoi argument");
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (errno == ERANGE || number < Limits::min() || number > Limits::max())
-        Fail("stoi argument out of range");
-    return static_cast<std::int32_t>(number);
+    text.remove_prefix(std::min(text.find_first_not_of(L" \t\n\v\f\r"), text.size()));
+    const bool negative = text.starts_with(L'-');
+    if (negative || text.starts_with(L'+'))
+        text.remove_prefix(1);
+    std::string number(negative ? "-" : "");
+    for (const wchar_t digit : text.substr(0, text.find_first_not_of(L"0123456789")))
+        number += static_cast<char>(digit);
+
+    std::int32_t value = 0;
+    switch (std::from_chars(number.data(), number.data() + number.size(), value).ec) {
+        case std::errc::invalid_argument:
+            Fail("invalid stoi argument");
+        case std::errc::result_out_of_range:
+            Fail("stoi argument out of range");
+        default:
+            return value;
+    }
 }
 
 void AppendWrappedModules(const AudioEndpoint& endpoint, ModuleList& modules, ILogger& logger)
@@ -86,13 +97,13 @@ void AppendWrappedModules(const AudioEndpoint& endpoint, ModuleList& modules, IL
 
 ModuleList DiscoverApoModules(ILogger& logger)
 {
-    logger.Log(LogLevel::Info, L"AudioModulesUtils: DiscoverApoModules() starting...");
+    LogInfo(logger, L"AudioModulesUtils: DiscoverApoModules() starting...");
     ModuleList modules;
     for (const AudioEndpoint& endpoint : GetAllAudioEndpoints(logger)) {
         AppendSlotModules(endpoint, modules, logger);
         AppendWrappedModules(endpoint, modules, logger);
     }
-    logger.Log(LogLevel::Info, L"AudioModulesUtils: DiscoverApoModules() completed successfully.");
+    LogInfo(logger, L"AudioModulesUtils: DiscoverApoModules() completed successfully.");
     return modules;
 }
 

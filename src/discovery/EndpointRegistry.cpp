@@ -1,6 +1,7 @@
 #include "discovery/EndpointRegistry.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "common/Text.h"
 #include "discovery/ActiveEndpoints.h"
 
@@ -11,27 +12,27 @@ namespace qov {
 
 namespace {
 
-constexpr wchar_t RenderEndpointsKey[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Render";
-constexpr wchar_t CaptureEndpointsKey[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Capture";
+constexpr wchar_t RenderEndpointsPath[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Render";
+constexpr wchar_t CaptureEndpointsPath[] = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\Capture";
 
 constexpr DWORD ClassNameLength = 260;
 constexpr DWORD KeyNameLength = 255;
 constexpr std::size_t ListedBinaryBytes = 33;
 
 // The path of the endpoints of a flow; null for a flow other than render and capture.
-const wchar_t* EndpointsKeyPath(DataFlow flow)
+const wchar_t* EndpointsPath(DataFlow flow)
 {
     switch (flow) {
         case DataFlow::Render:
-            return RenderEndpointsKey;
+            return RenderEndpointsPath;
         case DataFlow::Capture:
-            return CaptureEndpointsKey;
+            return CaptureEndpointsPath;
         default:
             return nullptr;
     }
 }
 
-const wchar_t* PropertyKeySuffix(EndpointPropertyKind kind)
+const wchar_t* SubkeyPath(EndpointPropertyKind kind)
 {
     switch (kind) {
         case EndpointPropertyKind::Properties:
@@ -43,7 +44,7 @@ const wchar_t* PropertyKeySuffix(EndpointPropertyKind kind)
 }
 
 // The number of subkeys; 0 when the key does not tell.
-DWORD SubKeyCount(const RegistryKey& key)
+DWORD SubkeyCount(const RegistryKey& key)
 {
     wchar_t className[ClassNameLength] = {};
     DWORD classNameLength = ClassNameLength;
@@ -71,8 +72,8 @@ Bytes ReadValue(const RegistryKey& key, const std::wstring& name, DWORD size)
 Bytes ReadTextValue(const RegistryKey& key, const std::wstring& name, DWORD size, ILogger& logger)
 {
     const std::wstring text = BytesToText(ReadValue(key, name, size));
-    logger.Log(LogLevel::Info, L"[REG_SZ] Registry key value name: " + name + L"\nValue get: " +
-                                   text.substr(0, text.empty() ? 0 : text.size() - 1));
+    LogInfo(logger, L"[REG_SZ] Registry key value name: " + name + L"\nValue get: " +
+                        text.substr(0, text.empty() ? 0 : text.size() - 1));
     return TextToBytes(text);
 }
 
@@ -82,9 +83,8 @@ Bytes ReadNumberValue(const RegistryKey& key, const std::wstring& name, DWORD si
     std::uint32_t value = 0;
     for (std::size_t index = data.size(); index-- > 0;)
         value = (value << 8) | data[index];
-    logger.Log(LogLevel::Info, L"[REG_DWORD] Registry key value name: " + name + L"\nValue get: " +
-                                   std::to_wstring(value) + L" (0x" + Widen(HexText(value)) +
-                                   L")\nValue size in bytes: " + std::to_wstring(data.size()));
+    LogInfo(logger, L"[REG_DWORD] Registry key value name: " + name + L"\nValue get: " + std::to_wstring(value) +
+                        L" (0x" + Widen(HexText(value)) + L")\nValue size in bytes: " + std::to_wstring(data.size()));
     data.resize(size);
     return data;
 }
@@ -97,7 +97,7 @@ Bytes ReadBinaryValue(const RegistryKey& key, const std::wstring& name, DWORD si
         message += L"0x" + Widen(HexText(data[index])) + L" ";
     if (data.size() >= ListedBinaryBytes)
         message += L"...\n";
-    logger.Log(LogLevel::Info, message + L"Value size in bytes: " + std::to_wstring(data.size()) + L"\n");
+    LogInfo(logger, message + L"Value size in bytes: " + std::to_wstring(data.size()) + L"\n");
     return data;
 }
 
@@ -107,9 +107,9 @@ constexpr std::size_t DevicePathFields = 5;
 
 std::vector<AudioEndpoint> GetAllAudioEndpoints(ILogger& logger)
 {
-    logger.Log(LogLevel::Info, L"Calling GetAudioEndpoints() for CAPTURE path...");
+    LogInfo(logger, L"Calling GetAudioEndpoints() for CAPTURE path...");
     std::vector<AudioEndpoint> endpoints = GetAudioEndpoints(DataFlow::Capture, logger);
-    logger.Log(LogLevel::Info, L"Calling GetAudioEndpoints() for RENDER path...");
+    LogInfo(logger, L"Calling GetAudioEndpoints() for RENDER path...");
     const std::vector<AudioEndpoint> renderEndpoints = GetAudioEndpoints(DataFlow::Render, logger);
     endpoints.insert(endpoints.end(), renderEndpoints.begin(), renderEndpoints.end());
     return endpoints;
@@ -118,7 +118,7 @@ std::vector<AudioEndpoint> GetAllAudioEndpoints(ILogger& logger)
 std::vector<AudioEndpoint> GetAudioEndpoints(DataFlow flow, ILogger& logger)
 {
     const std::vector<GUID> activeGuids = GetActiveEndpointGuids(flow, logger);
-    const wchar_t* const path = EndpointsKeyPath(flow);
+    const wchar_t* const path = EndpointsPath(flow);
     if (path == nullptr)
         Fail("Unsupported endpoint type. Use either 'Capture' or 'Render'.");
     RegistryKey key;
@@ -126,7 +126,7 @@ std::vector<AudioEndpoint> GetAudioEndpoints(DataFlow flow, ILogger& logger)
         Fail("Unable to open registry key");
 
     std::vector<AudioEndpoint> endpoints;
-    const DWORD count = SubKeyCount(key);
+    const DWORD count = SubkeyCount(key);
     for (DWORD index = 0; index < count; ++index) {
         wchar_t name[KeyNameLength] = {};
         DWORD nameLength = KeyNameLength;
@@ -175,8 +175,8 @@ RegistryKey OpenEndpointPropertyKey(const AudioEndpoint& endpoint, EndpointPrope
     TaskText guidText;
     if (FAILED(StringFromCLSID(endpoint.AudioEndpointGuid, guidText.Put())))
         Fail("StringFromCLSID() call failed");
-    const wchar_t* const suffix = PropertyKeySuffix(kind);
-    const wchar_t* const endpointsPath = EndpointsKeyPath(endpoint.Flow);
+    const wchar_t* const suffix = SubkeyPath(kind);
+    const wchar_t* const endpointsPath = EndpointsPath(endpoint.Flow);
     if (endpointsPath == nullptr)
         Fail("Unsupported endpoint data flow.");
 

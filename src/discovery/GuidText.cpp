@@ -4,8 +4,8 @@
 
 #include <objbase.h>
 
+#include <algorithm>
 #include <cwchar>
-#include <sstream>
 
 namespace qov {
 
@@ -30,9 +30,11 @@ GUID TextToGuid(const std::wstring& text)
 std::vector<std::wstring> SplitText(const std::wstring& text, wchar_t delimiter)
 {
     std::vector<std::wstring> pieces;
-    std::wistringstream stream(text);
-    for (std::wstring piece; std::getline(stream, piece, delimiter);)
-        pieces.push_back(piece);
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find(delimiter, start), text.size());
+        pieces.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
     return pieces;
 }
 

@@ -1,5 +1,6 @@
 #include "discovery/ModuleDiscovery.h"
 
+#include "common/Logging.h"
 #include "discovery/ApoDiscovery.h"
 #include "discovery/GuidText.h"
 #include "fwdiscovery/FwDiscovery.h"
@@ -37,11 +38,11 @@ auto CountOf(const ModuleList& modules, ModuleLocation location)
 
 ModuleList DiscoverAudioModules(ILogger& logger)
 {
-    logger.Log(LogLevel::Info, L"AudioModulesUtils: DiscoverAudioModules() starting...");
+    LogInfo(logger, L"AudioModulesUtils: DiscoverAudioModules() starting...");
     ModuleList modules = DiscoverFwModules(logger);
     const ModuleList apos = DiscoverApoModules(logger);
     modules.insert(modules.end(), apos.begin(), apos.end());
-    logger.Log(LogLevel::Info, L"AudioModulesUtils: DiscoverAudioModules() completed successfully.");
+    LogInfo(logger, L"AudioModulesUtils: DiscoverAudioModules() completed successfully.");
     return modules;
 }
 
@@ -58,7 +59,7 @@ void LogDiscoveredModules(ILogger& logger, ModuleList modules)
     report << L"Discovered FW audio module(s) count: " << CountOf(modules, ModuleLocation::FW) << L"\n";
     report << L"Discovered APO audio module(s) count: " << CountOf(modules, ModuleLocation::APO) << L"\n";
     report << L"\n";
-    logger.Log(LogLevel::Info, report.str());
+    LogInfo(logger, report.str());
 }
 
 }  // namespace qov::AudioModulesUtils

@@ -1,6 +1,7 @@
 #include "fwdiscovery/FwDiscovery.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "common/Owners.h"
 #include "discovery/ActiveEndpoints.h"
 #include "fwdiscovery/PartsWalk.h"
@@ -17,8 +18,6 @@ namespace {
 
 // More connectors than any filter has: local ids of parts have 16 bits, and real filters have some ten.
 constexpr UINT MaxScannedConnectors = 1024;
-
-void Info(ILogger& logger, const std::wstring& message) { logger.Log(LogLevel::Info, message); }
 
 GUID ReadEndpointGuid(IMMDevice& device)
 {
@@ -57,8 +56,8 @@ void LogConnection(IConnector& connector, ILogger& logger)
     TaskText deviceId;
     (void)connector.GetConnectorIdConnectedTo(connectorId.Put());
     (void)connector.GetDeviceIdConnectedTo(deviceId.Put());
-    Info(logger, L"Current connector details:\nConnectorIdConnectedTo:" + connectorId.Text() +
-                     L"\nDeviceIdConnectedTo:" + deviceId.Text());
+    LogInfo(logger, L"Current connector details:\nConnectorIdConnectedTo:" + connectorId.Text() +
+                        L"\nDeviceIdConnectedTo:" + deviceId.Text());
 }
 
 // Follows the connectors until the current one is an unconnected Software_IO connector of the driver's filter. False
@@ -66,7 +65,7 @@ void LogConnection(IConnector& connector, ILogger& logger)
 bool WalkToSoftwarePin(EndpointWalk& walk)
 {
     while (true) {
-        Info(walk.logger, L"*** NEXT CONNECTOR ***");
+        LogInfo(walk.logger, L"*** NEXT CONNECTOR ***");
         BOOL connected = FALSE;
         if (FAILED(walk.currentConnector->IsConnected(&connected)))
             return false;
@@ -84,7 +83,7 @@ bool WalkToSoftwarePin(EndpointWalk& walk)
         ComPtr<IPart> part;
         if (FAILED(otherSide.QueryInto(part)))
             return false;
-        if (WalkParts(walk, part) != ConnectorReached)
+        if (WalkParts(walk, part) != WalkEnd::ConnectorReached)
             return false;
     }
 }
@@ -114,33 +113,35 @@ void ScanSoftwarePins(EndpointWalk& walk, IDeviceTopology& filter, UINT connecto
 }
 
 // The modules of the filter whose software connector the walk has reached.
-void ReadFilterModules(EndpointWalk& walk, const AudioEndpoint& endpoint, ModuleList& modules)
+ModuleList ReadFilterModules(EndpointWalk& walk, const AudioEndpoint& endpoint)
 {
-    Info(walk.logger, L"Found a Software_IO connector for current device");
+    LogInfo(walk.logger, L"Found a Software_IO connector for current device");
     ComPtr<IPart> part;
     ComPtr<IDeviceTopology> filter;
     UINT connectorCount = 0;
     if (FAILED(walk.currentConnector.QueryInto(part)) || FAILED(part->GetTopologyObject(filter.Put())) ||
         FAILED(filter->GetConnectorCount(&connectorCount)))
-        return;
+        return {};
     ScanSoftwarePins(walk, *filter.Get(), connectorCount);
     ComPtr<IKsControl> control;
     if (FAILED(ActivateKsControl(*filter.Get(), walk.enumerator, control)))
-        return;
-    Info(walk.logger, L"Starting to look for a connector that supports PP API...");
+        return {};
+    LogInfo(walk.logger, L"Starting to look for a connector that supports PP API...");
+    ModuleList modules;
     for (const ULONG pinId : walk.candidatePins)
         ReadPinModules(control, pinId, endpoint, walk.logger, modules);
+    return modules;
 }
 
-void DiscoverEndpointModules(IMMDeviceCollection& collection, UINT index, IMMDeviceEnumerator& enumerator,
-                             ILogger& logger, ModuleList& modules)
+ModuleList DiscoverEndpointModules(IMMDeviceCollection& collection, UINT index, IMMDeviceEnumerator& enumerator,
+                                   ILogger& logger)
 {
-    Info(logger, L"****** NEXT DEVICE ******");
+    LogInfo(logger, L"****** NEXT DEVICE ******");
     ComPtr<IMMDevice> device;
     FailIfFailed(collection.Item(index, device.Put()), "Failed to get device from collection! Result: 0x");
     TaskText deviceId;
     FailIfFailed(device->GetId(deviceId.Put()), "Failed to get device id! Result: 0x");
-    Info(logger, L"Current device id:" + deviceId.Text());
+    LogInfo(logger, L"Current device id:" + deviceId.Text());
 
     AudioEndpoint endpoint;
     endpoint.AudioEndpointGuid = ReadEndpointGuid(*device.Get());
@@ -148,15 +149,14 @@ void DiscoverEndpointModules(IMMDeviceCollection& collection, UINT index, IMMDev
     endpoint.Flow = static_cast<DataFlow>(flow);
 
     EndpointWalk walk{logger, enumerator, flow, FirstConnector(*device.Get())};
-    if (WalkToSoftwarePin(walk))
-        ReadFilterModules(walk, endpoint, modules);
+    return WalkToSoftwarePin(walk) ? ReadFilterModules(walk, endpoint) : ModuleList();
 }
 
 }  // namespace
 
 ModuleList DiscoverFwModules(ILogger& logger)
 {
-    Info(logger, L"AudioModulesUtils: DiscoverFwModules() starting...");
+    LogInfo(logger, L"AudioModulesUtils: DiscoverFwModules() starting...");
     ComPtr<IMMDeviceEnumerator> enumerator;
     FailIfFailed(CoCreateInstance(__uuidof(MMDeviceEnumerator), nullptr, CLSCTX_ALL, __uuidof(IMMDeviceEnumerator),
                                   enumerator.PutVoid()),
@@ -166,12 +166,14 @@ ModuleList DiscoverFwModules(ILogger& logger)
                  "EnumAudioEndpoints failed! Result: 0x");
     UINT count = 0;
     FailIfFailed(collection->GetCount(&count), "GetCount() for devices list failed! Result: 0x");
-    Info(logger, L"Devices count:" + std::to_wstring(count));
+    LogInfo(logger, L"Devices count:" + std::to_wstring(count));
 
     ModuleList modules;
-    for (UINT index = 0; index < count; ++index)
-        DiscoverEndpointModules(*collection.Get(), index, *enumerator.Get(), logger, modules);
-    Info(logger, L"AudioModulesUtils: DiscoverFwModules() completed successfully.");
+    for (UINT index = 0; index < count; ++index) {
+        const ModuleList found = DiscoverEndpointModules(*collection.Get(), index, *enumerator.Get(), logger);
+        modules.insert(modules.end(), found.begin(), found.end());
+    }
+    LogInfo(logger, L"AudioModulesUtils: DiscoverFwModules() completed successfully.");
     return modules;
 }
 

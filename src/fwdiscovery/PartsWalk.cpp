@@ -1,5 +1,6 @@
 #include "fwdiscovery/PartsWalk.h"
 
+#include "common/Logging.h"
 #include "common/Owners.h"
 #include "fwdiscovery/KsRequest.h"
 
@@ -30,7 +31,7 @@ std::optional<HRESULT> SwitchSelector(const EndpointWalk& walk, IPart& part, IPa
     if (SUCCEEDED(result))
         result = selector->SetSelection(localId, nullptr);
     if (SUCCEEDED(result))
-        walk.logger.Log(LogLevel::Info, message);
+        LogInfo(walk.logger, message);
     return result;
 }
 
@@ -58,7 +59,7 @@ std::optional<ULONG> ReadOffloadPin(IKsControl& control, IPart& connectorPart)
 
 HRESULT FindOffloadPin(EndpointWalk& walk, IPart& part, IPart& connectorPart)
 {
-    walk.logger.Log(LogLevel::Info, L"Trying to read offload pin id...");
+    LogInfo(walk.logger, L"Trying to read offload pin id...");
     ComPtr<IDeviceTopology> topology;
     HRESULT result = part.GetTopologyObject(topology.Put());
     if (FAILED(result))
@@ -74,9 +75,9 @@ HRESULT FindOffloadPin(EndpointWalk& walk, IPart& part, IPart& connectorPart)
     return S_OK;
 }
 
-LONG EndAtConnector(EndpointWalk& walk, IPart& part, const ComPtr<IPart>& connectorPart)
+HRESULT EndAtConnector(EndpointWalk& walk, IPart& part, const ComPtr<IPart>& connectorPart)
 {
-    walk.logger.Log(LogLevel::Info, L"End of parts: replacing connector");
+    LogInfo(walk.logger, L"End of parts: replacing connector");
     ComPtr<IConnector> connector;
     HRESULT result = connectorPart.QueryInto(connector);
     if (FAILED(result))
@@ -90,51 +91,44 @@ LONG EndAtConnector(EndpointWalk& walk, IPart& part, const ComPtr<IPart>& connec
     }
     walk.lastPart = connectorPart;
     walk.currentConnector = connector;
-    return ConnectorReached;
+    return S_OK;
 }
 
 }  // namespace
 
-LONG WalkParts(EndpointWalk& walk, const ComPtr<IPart>& part, unsigned depth)
+WalkEnd WalkParts(EndpointWalk& walk, const ComPtr<IPart>& part, unsigned depth)
 {
     if (depth >= MaxWalkDepth)
-        return NoConnectorReached;
+        return WalkEnd::NoConnectorReached;
     ComPtr<IPartsList> neighbours;
-    HRESULT result =
-        walk.flow == eCapture ? part->EnumPartsOutgoing(neighbours.Put()) : part->EnumPartsIncoming(neighbours.Put());
-    if (FAILED(result))
-        return result;
+    if (FAILED(walk.flow == eCapture ? part->EnumPartsOutgoing(neighbours.Put())
+                                     : part->EnumPartsIncoming(neighbours.Put())))
+        return WalkEnd::CallFailed;
     if (!neighbours) {
         walk.logger.Log(LogLevel::Warning, L"No parts were found!");
-        return NoConnectorReached;
+        return WalkEnd::NoConnectorReached;
     }
     UINT count = 0;
-    result = neighbours->GetCount(&count);
-    if (FAILED(result))
-        return result;
+    if (FAILED(neighbours->GetCount(&count)))
+        return WalkEnd::CallFailed;
 
     for (UINT index = 0; index < count; ++index) {
         if (++walk.walkedParts > MaxWalkedParts)
-            return NoConnectorReached;
+            return WalkEnd::NoConnectorReached;
         ComPtr<IPart> neighbour;
-        result = neighbours->GetPart(index, neighbour.Put());
-        if (FAILED(result))
-            return result;
         PartType type = Connector;
-        result = neighbour->GetPartType(&type);
-        if (FAILED(result))
-            return result;
+        if (FAILED(neighbours->GetPart(index, neighbour.Put())) || FAILED(neighbour->GetPartType(&type)))
+            return WalkEnd::CallFailed;
         if (type == Connector)
-            return EndAtConnector(walk, *part.Get(), neighbour);
-
-        result = SwitchSelectors(walk, *neighbour.Get(), *part.Get());
-        if (FAILED(result))
-            return result;
-        const LONG deeper = WalkParts(walk, neighbour, depth + 1);
-        if (deeper >= 0)
+            return FAILED(EndAtConnector(walk, *part.Get(), neighbour)) ? WalkEnd::CallFailed
+                                                                        : WalkEnd::ConnectorReached;
+        if (FAILED(SwitchSelectors(walk, *neighbour.Get(), *part.Get())))
+            return WalkEnd::CallFailed;
+        const WalkEnd deeper = WalkParts(walk, neighbour, depth + 1);
+        if (deeper != WalkEnd::CallFailed)
             return deeper;
     }
-    return NoConnectorReached;
+    return WalkEnd::NoConnectorReached;
 }
 
 HRESULT ActivateKsControl(IDeviceTopology& topology, IMMDeviceEnumerator& enumerator, ComPtr<IKsControl>& control)

@@ -32,18 +32,17 @@ struct EndpointWalk {
     unsigned walkedParts = 0;
 };
 
-// Results of WalkParts besides a failed platform call's own.
-constexpr LONG ConnectorReached = 0;
-constexpr LONG NoConnectorReached = 1;
+// How a walk of parts ended.
+enum class WalkEnd { ConnectorReached, NoConnectorReached, CallFailed };
 
 // Follows the neighbours of `part` (the incoming ones, for a capture endpoint the outgoing ones), depth first, to the
 // first connector part, and switches every selector that it passes to the part it came from. The connector becomes the
 // walk's last part and current connector; on a render path the filter's offload pin becomes a candidate, and where it
 // cannot be read offloadPinMissing is set.
 //
-// Gives ConnectorReached, NoConnectorReached (also for a topology that leads back to itself), or the negative result of
-// the platform call that ended it. Never throws on its own account.
-LONG WalkParts(EndpointWalk& walk, const ComPtr<IPart>& part, unsigned depth = 0);
+// A topology that leads back to itself reaches no connector. A failed call below a neighbour makes the walk go on with
+// the next one; any other failed call ends it. Never throws on its own account.
+WalkEnd WalkParts(EndpointWalk& walk, const ComPtr<IPart>& part, unsigned depth = 0);
 
 // The kernel-streaming control of the filter that a topology stands for.
 HRESULT ActivateKsControl(IDeviceTopology& topology, IMMDeviceEnumerator& enumerator, ComPtr<IKsControl>& control);

@@ -1,6 +1,7 @@
 #include "fwdiscovery/PinModules.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "discovery/EndpointRegistry.h"
 #include "fwdiscovery/KsRequest.h"
 
@@ -37,9 +38,6 @@ constexpr std::size_t EntrySize = 148;
 static_assert(EntryTypeField.End() == EntryGuidField.offset && EntryGuidField.End() == EntryRestField.offset &&
               EntryRestField.End() == EntrySize);
 
-// No driver lists a hundred thousand modules: a larger size is nonsense, and not worth its memory.
-constexpr ULONG MaxReplySize = 16 * 1024 * 1024;
-
 bool SpeaksPpApi(IKsControl& control, ULONG pinId)
 {
     KsPinRequest request(PpApiSet, VersionTestId, KsFlagGet, pinId);
@@ -63,7 +61,8 @@ Bytes ReadModuleList(IKsControl& control, ULONG pinId)
     ULONG returned = 0;
     if (FAILED(control.KsProperty(request.Property(), ModuleListRequest::Size(), reply.data(), size, &returned)))
         return {};
-    reply.resize(std::min(returned, size));
+    if (returned != 0)
+        reply.resize(std::min(returned, size));
     return reply;
 }
 
@@ -86,17 +85,17 @@ ModuleType ToModuleType(std::uint32_t fwModuleType)
 void ReadPinModules(const ComPtr<IKsControl>& control, ULONG pinId, const AudioEndpoint& endpoint, ILogger& logger,
                     ModuleList& modules)
 {
-    logger.Log(LogLevel::Info, L"Using pin id:" + std::to_wstring(pinId) + L"\nTesting PP API: comparing versions...");
+    LogInfo(logger, L"Using pin id:" + std::to_wstring(pinId) + L"\nTesting PP API: comparing versions...");
     if (!SpeaksPpApi(*control.Get(), pinId))
         return;
-    logger.Log(LogLevel::Info, L"Obtaining modules list...");
+    LogInfo(logger, L"Obtaining modules list...");
     const Bytes reply = ReadModuleList(*control.Get(), pinId);
     if (reply.size() < ReplyHeadSize)
         return;
     const std::uint32_t count = ReadNumber(reply.data(), ModulesCountField);
-    logger.Log(LogLevel::Info, L"Modules count:" + std::to_wstring(count) + L" modules size:" +
-                                   std::to_wstring(ReadNumber(reply.data(), ModulesSizeField)));
-    if (count > (reply.size() - ReplyHeadSize) / EntrySize)
+    LogInfo(logger, L"Modules count:" + std::to_wstring(count) + L" modules size:" +
+                        std::to_wstring(ReadNumber(reply.data(), ModulesSizeField)));
+    if (count > (reply.size() - ReplyHeadSize) / EntrySize || count > MaxEndpointModules - modules.size())
         return;
 
     for (std::size_t index = 0; index < count; ++index) {

@@ -1,10 +1,13 @@
 #include "run/ConfigurationEditing.h"
 
+#include "common/Logging.h"
 #include "common/Text.h"
 #include "discovery/GuidText.h"
 #include "xmledit/Blocks.h"
 #include "xmledit/LineFile.h"
 #include "xmledit/QuotedValues.h"
+
+#include <utility>
 
 namespace qov {
 
@@ -51,41 +54,39 @@ constexpr ModeParamIds ModeParamIdTable[] = {
     {ModuleType::EFX, "{f47a9d84-6ca7-4c5e-a853-9f91bc1991ae},7", "{6696ec45-ca78-414a-8666-C9ed965acfee},7"},
 };
 
-void Info(ILogger& logger, const std::wstring& message) { logger.Log(LogLevel::Info, message); }
-
 LineFile ReadLogged(const wchar_t* what, const std::string& path, ILogger& logger)
 {
-    Info(logger, std::wstring(L"Reading ") + what + L" from: " + Widen(path) + L"...");
+    LogInfo(logger, std::wstring(L"Reading ") + what + L" from: " + Widen(path) + L"...");
     return ReadLineFile(path);
 }
 
 void ToggleBlock(LineFile& lines, const BlockKind& kind, const char* name, const wchar_t* label, bool enabled,
                  ILogger& logger)
 {
-    Info(logger, (enabled ? L"+" : L"-") + std::wstring(label));
+    LogInfo(logger, (enabled ? L"+" : L"-") + std::wstring(label));
     (enabled ? kind.enable : kind.disable)(lines, name);
 }
 
 void ToggleBlocks(LineFile& lines, const BlockKind& kind, const ValidatedModules& modules, ILogger& logger)
 {
-    Info(logger, kind.apoMessage);
+    LogInfo(logger, kind.apoMessage);
     for (const ApoRow& row : ApoRows) {
         bool enabled = false;
         for (const ModuleType type : row.types)
             enabled = enabled || (modules.activeApo && modules.activeApo->Type == type);
         ToggleBlock(lines, kind, row.name, row.label, enabled, logger);
     }
-    Info(logger, kind.spatialfMessage);
+    LogInfo(logger, kind.spatialfMessage);
     ToggleBlock(lines, kind, SpatialfBlockName, SpatialfLabel, modules.spatialfModule.has_value(), logger);
 }
 
 void SetEndpointIdentity(LineFile& lines, const AudioEndpoint& endpoint, ILogger& logger)
 {
     const std::string deviceId = EscapeAmpersands(NarrowText(endpoint.DeviceId));
-    Info(logger, L"DeviceId: " + Widen(deviceId));
+    LogInfo(logger, L"DeviceId: " + Widen(deviceId));
     SetDeviceId(lines, deviceId);
     const std::string endpointName = NarrowText(endpoint.EndpointName);
-    Info(logger, L"EndpointName: " + Widen(endpointName));
+    LogInfo(logger, L"EndpointName: " + Widen(endpointName));
     SetEndpointName(lines, endpointName);
 }
 
@@ -97,25 +98,25 @@ void EditConfigurationFile(const std::string& path, const ValidatedModules& modu
     else if (modules.spatialfModule)
         SetEndpointIdentity(lines, modules.spatialfModule->Endpoint, logger);
     ToggleBlocks(lines, Sections, modules, logger);
-    Info(logger, L"Saving modified QOV configuration file...");
-    WriteLineFile(lines, path);
+    LogInfo(logger, L"Saving modified QOV configuration file...");
+    WriteLineFile(std::move(lines), path);
 }
 
 void EditSettingsFile(const std::string& path, const ValidatedModules& modules, ILogger& logger)
 {
     LineFile lines = ReadLogged(L"QOV settings", path, logger);
     ToggleBlocks(lines, Domains, modules, logger);
-    Info(logger, L"Saving modified QOV settings file...");
-    WriteLineFile(lines, path);
+    LogInfo(logger, L"Saving modified QOV settings file...");
+    WriteLineFile(std::move(lines), path);
 }
 
 void EditPipelinesFile(const std::string& path, const AudioModule& activeApo, ILogger& logger)
 {
-    Info(logger, L"Setting up APO pipelines definition file...");
+    LogInfo(logger, L"Setting up APO pipelines definition file...");
     LineFile lines = ReadLogged(L"APO pipelines definition", path, logger);
 
     const std::string guid = NarrowText(GuidToText(activeApo.ModuleGuid));
-    Info(logger, L"APO GUID: " + Widen(guid));
+    LogInfo(logger, L"APO GUID: " + Widen(guid));
     SetModuleGuid(lines, guid);
 
     std::string defaultMode;
@@ -126,11 +127,11 @@ void EditPipelinesFile(const std::string& path, const AudioModule& activeApo, IL
             speechMode = CommasToColons(row.speechMode);
         }
     }
-    Info(logger, L"DEFAULT Mode ParamId: " + Widen(defaultMode) + L"\r\nSPEECH Mode ParamId: " + Widen(speechMode));
+    LogInfo(logger, L"DEFAULT Mode ParamId: " + Widen(defaultMode) + L"\r\nSPEECH Mode ParamId: " + Widen(speechMode));
     SetModeParamIds(lines, defaultMode, speechMode);
 
-    Info(logger, L"Saving modified APO pipelines definition file...");
-    WriteLineFile(lines, path);
+    LogInfo(logger, L"Saving modified APO pipelines definition file...");
+    WriteLineFile(std::move(lines), path);
 }
 
 }  // namespace

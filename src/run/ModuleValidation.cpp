@@ -1,6 +1,7 @@
 #include "run/ModuleValidation.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 
 #include <windows.h>
 
@@ -32,10 +33,10 @@ ApoModes ModesOfThisWindows(ModuleList lfxApos, ModuleList mfxApos, ModuleList e
                             ILogger& logger)
 {
     if (IsWindows8Point1OrGreater()) {
-        logger.Log(LogLevel::Info, L"Detected Windows 8.1 or greater");
+        LogInfo(logger, L"Detected Windows 8.1 or greater");
         return {std::move(mfxApos), std::move(efxApos), std::move(sfxApos)};
     }
-    logger.Log(LogLevel::Info, L"Detected Windows 8.0 or lower");
+    LogInfo(logger, L"Detected Windows 8.0 or lower");
     return {std::move(lfxApos), {}, {}};
 }
 
@@ -85,13 +86,13 @@ ValidatedModules ValidateModules(const ModuleList& modules, ILogger& logger)
     ModuleList sfxApos = GetApoModulesOfMode(modules, ModuleType::SFX);
     const ModuleList spatialfModules = GetSpatialfModules(modules);
 
-    logger.Log(LogLevel::Info, L"Found Orvex SPATIALF FW modules count: " + std::to_wstring(spatialfModules.size()) +
-                                   L"\nFound Orvex ZAN APO modules count: "
-                                   L"\n* LFX (Windows 8.0 & lower): " +
-                                   std::to_wstring(lfxApos.size()) + L"\n* EFX (Windows 8.1 & later): " +
-                                   std::to_wstring(efxApos.size()) + L"\n* MFX (Windows 8.1 & later): " +
-                                   std::to_wstring(mfxApos.size()) + L"\n* SFX (Windows 8.1 & later): " +
-                                   std::to_wstring(sfxApos.size()) + L"\n");
+    LogInfo(logger, L"Found Orvex SPATIALF FW modules count: " + std::to_wstring(spatialfModules.size()) +
+                        L"\nFound Orvex ZAN APO modules count: "
+                        L"\n* LFX (Windows 8.0 & lower): " +
+                        std::to_wstring(lfxApos.size()) + L"\n* EFX (Windows 8.1 & later): " +
+                        std::to_wstring(efxApos.size()) + L"\n* MFX (Windows 8.1 & later): " +
+                        std::to_wstring(mfxApos.size()) + L"\n* SFX (Windows 8.1 & later): " +
+                        std::to_wstring(sfxApos.size()) + L"\n");
 
     ValidatedModules validated;
     validated.activeApo = ActiveApo(

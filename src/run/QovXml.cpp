@@ -1,6 +1,7 @@
 #include "QovXml.h"
 
 #include "common/Failure.h"
+#include "common/Logging.h"
 #include "discovery/ModuleDiscovery.h"
 #include "run/ConfigurationEditing.h"
 #include "run/ModuleValidation.h"
@@ -26,14 +27,14 @@ public:
 
 void QovXml::ConfigureQovXmls(const Config& config, ILogger& logger)
 {
-    logger.Log(LogLevel::Info, L"QovXml: ConfigureQovXmls() starting...");
-    logger.Log(LogLevel::Info, L"Initializing COM interface...");
+    qov::LogInfo(logger, L"QovXml: ConfigureQovXmls() starting...");
+    qov::LogInfo(logger, L"Initializing COM interface...");
     const ComInitGuard comInitGuard;
     const qov::ModuleList modules = qov::AudioModulesUtils::DiscoverAudioModules(logger);
     qov::AudioModulesUtils::LogDiscoveredModules(logger, modules);
     const qov::ValidatedModules validated = qov::ValidateModules(modules, logger);
     qov::EditConfiguration(config, validated, logger);
-    logger.Log(LogLevel::Info, L"QovXml: ConfigureQovXmls() completed successfully");
+    qov::LogInfo(logger, L"QovXml: ConfigureQovXmls() completed successfully");
 }
 
 QovXml& QovXml::operator=(const QovXml&) = default;

@@ -1,8 +1,9 @@
 #include "xmledit/Blocks.h"
 
+#include "common/Failure.h"
+
 #include <cstddef>
 #include <optional>
-#include <stdexcept>
 #include <string_view>
 
 namespace qov {
@@ -67,8 +68,8 @@ std::size_t FindElement(const std::string& line, const std::string& startTag, st
 
 [[noreturn]] void Refuse(const Toggle& toggle, std::size_t line, const std::string& reason)
 {
-    throw std::runtime_error(std::string("Cannot ") + (toggle.wanted == State::Disabled ? "disable" : "enable") +
-                             " block \"" + toggle.keyword + "\": line " + std::to_string(line + 1) + " " + reason);
+    Fail(std::string("Cannot ") + (toggle.wanted == State::Disabled ? "disable" : "enable") + " block \"" +
+         toggle.keyword + "\": line " + std::to_string(line + 1) + " " + reason);
 }
 
 void RefuseOtherBlocks(const LineFile& lines, const Block& block, const Toggle& toggle)
@@ -152,13 +153,13 @@ void ToggleBlocks(LineFile& lines, const Toggle& toggle)
     while (const auto keywordLine = FindDown(lines, resume, toggle.keyword)) {
         const auto startLine = FindUp(lines, *keywordLine, toggle.startTag);
         if (!startLine)
-            throw std::runtime_error("Section start tag \"" + toggle.startTag + "\"not found");
+            Fail("Section start tag \"" + toggle.startTag + "\"not found");
         const State state = Holds(lines[*startLine], CommentStart) ? State::Disabled : State::Enabled;
         if (state == toggle.wanted)
             return;
         const auto endLine = FindDown(lines, *keywordLine, toggle.endTag);
         if (!endLine)
-            throw std::runtime_error("Parameter block end for keyword \"" + toggle.endTag + "\"not found");
+            Fail("Parameter block end for keyword \"" + toggle.endTag + "\"not found");
 
         const std::size_t named = FindElement(lines[*startLine], toggle.startTag, 0);
         const Block block{*startLine, *endLine, named != NotFound ? named : lines[*startLine].find(toggle.startTag)};

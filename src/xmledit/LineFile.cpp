@@ -1,9 +1,10 @@
 #include "xmledit/LineFile.h"
 
+#include "common/Failure.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <memory>
-#include <stdexcept>
 
 namespace qov {
 
@@ -14,10 +15,7 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-[[noreturn]] void FailNotFound(const std::string& path)
-{
-    throw std::runtime_error("File \"" + path + "\" not found.");
-}
+[[noreturn]] void FailNotFound(const std::string& path) { Fail("File \"" + path + "\" not found."); }
 
 std::string ReadBytes(std::FILE* file, const std::string& path)
 {
@@ -60,15 +58,17 @@ void WriteLineFile(LineFile lines, const std::string& path)
     const FilePtr file(std::fopen(path.c_str(), "wb"));
     if (!file)
         return;
-    for (const std::string& line : lines) {
-        std::string bytes;
-        for (const char byte : line + '\n') {
+    std::string bytes;
+    for (std::string& line : lines) {
+        line += '\n';
+        bytes.clear();
+        for (const char byte : line) {
             if (byte == '\n')
                 bytes += '\r';
             bytes += byte;
         }
-        std::fwrite(bytes.data(), 1, bytes.size(), file.get());
-        std::fflush(file.get());
+        if (std::fwrite(bytes.data(), 1, bytes.size(), file.get()) != bytes.size() || std::fflush(file.get()) != 0)
+            return;
     }
 }
 

@@ -15,7 +15,8 @@ using LineFile = std::vector<std::string>;
 LineFile ReadLineFile(const std::string& path);
 
 // Replaces the file: every line is followed by CR LF, and an LF byte within a line becomes CR LF too, as in the text
-// mode of the Windows C runtime. Reports no failure; a file that cannot be opened stays as it is.
+// mode of the Windows C runtime. Each line reaches the system before the next is written, and the first that cannot be
+// written ends the file. Reports no failure; a file that cannot be opened stays as it is.
 void WriteLineFile(LineFile lines, const std::string& path);
 
 }  // namespace qov

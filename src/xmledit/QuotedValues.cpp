@@ -1,7 +1,8 @@
 #include "xmledit/QuotedValues.h"
 
+#include "common/Failure.h"
+
 #include <algorithm>
-#include <stdexcept>
 
 namespace qov {
 
@@ -26,10 +27,10 @@ void SetQuotedValue(LineFile& lines, const std::string& keyword, const std::stri
         return;
     }
     if (!keyword.empty() && !keywordSeen)
-        throw std::runtime_error("No keyword found: " + tag);
+        Fail("No keyword found: " + tag);
     if (!tagSeen)
-        throw std::runtime_error("No tag found: " + tag);
-    throw std::runtime_error("No closing quotation mark found for tag: " + tag);
+        Fail("No tag found: " + tag);
+    Fail("No closing quotation mark found for tag: " + tag);
 }
 
 void SetDeviceId(LineFile& lines, const std::string& value) { SetQuotedValue(lines, "", "DeviceId:", value); }
