@@ -1,5 +1,5 @@
-# Host programs outside the project, built against what `cmake --install` lays out: README's, exactly as it is shown there, run
-# on the example files, and the checks of tests/consumer. For Windows also against the library with a shared C++ runtime.
+# Host programs outside the project, built against what `cmake --install` lays out: README's, exactly as it is shown there and
+# run on the example files, and the checks of tests/consumer. For Windows also with a C++ runtime that host and DLL share.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
   if(NOT result EQUAL 0)
@@ -7,20 +7,13 @@ function(run)
   endif()
 endfunction()
 
-# The code block of README.md in `language` that begins with `start`.
-function(readme_block file language start)
+# Writes README.md's code block in `language` that begins with `start`.
+function(extract_from_readme file language start)
   file(READ ${PROJECT}/README.md readme)
-  set(opening "```${language}\n")
-  string(FIND "${readme}" "${opening}${start}" begin)
-  if(begin EQUAL -1)
+  if(NOT readme MATCHES "```${language}\n(${start}[^`]*)```")
     message(FATAL_ERROR "README.md has no ${language} block that begins with \"${start}\"")
   endif()
-  string(LENGTH "${opening}" length)
-  math(EXPR begin "${begin} + ${length}")
-  string(SUBSTRING "${readme}" ${begin} -1 rest)
-  string(FIND "${rest}" "```\n" length)
-  string(SUBSTRING "${rest}" 0 ${length} block)
-  file(WRITE ${file} "${block}")
+  file(WRITE ${file} "${CMAKE_MATCH_1}")
 endfunction()
 
 function(configure source build)
@@ -57,8 +50,8 @@ set(scratch ${BUILD}/consumer)
 set(files QovConfiguration.xml QovSettings.xml ApoPipelinesDefinition.xml)
 file(REMOVE_RECURSE ${scratch})
 file(COPY ${PROJECT}/examples/xml DESTINATION ${scratch})
-readme_block(${scratch}/source/main.cpp cpp "#include <QovXml.h>")
-readme_block(${scratch}/source/CMakeLists.txt cmake "cmake_minimum_required")
+extract_from_readme(${scratch}/source/main.cpp cpp "#include <QovXml.h>")
+extract_from_readme(${scratch}/source/CMakeLists.txt cmake "cmake_minimum_required")
 file(APPEND ${scratch}/source/CMakeLists.txt "include(${PROJECT}/tests/consumer/Checks.cmake)\n")
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${scratch}/installed)
@@ -68,7 +61,8 @@ expect(your-program EXIT 2 PRINTS "^usage: your-program CONFIGURATION SETTINGS P
 expect(utf8 EXIT 0)
 
 # The library alone, which looks neither for a JSON nor for a command-line library.
-set(library_alone -D QOVXML_BUILD_HOST=OFF -D CMAKE_DISABLE_FIND_PACKAGE_nlohmann_json=ON -D CMAKE_DISABLE_FIND_PACKAGE_CLI11=ON)
+set(library_alone -D QOVXML_BUILD_HOST=OFF
+  -D CMAKE_DISABLE_FIND_PACKAGE_nlohmann_json=ON -D CMAKE_DISABLE_FIND_PACKAGE_CLI11=ON)
 if(NOT TOOLCHAIN)
   expect(your-program ${files} EXIT 1 PRINTS "Failed to initialize COM device interface! Result: 0x80040154")
   expect(exceptions EXIT 0 PRINTS "^uncaught exceptions: 0")
