@@ -1,4 +1,4 @@
-# cmake --install: headers, library, host and a package for find_package(QovXml CONFIG REQUIRED).
+# cmake --install: headers, library, host when it is built, and a package for find_package(QovXml CONFIG REQUIRED).
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -12,7 +12,9 @@ install(TARGETS QovXml EXPORT QovXmlTargets
 if(NOT WIN32)
   install(TARGETS winapi EXPORT QovXmlTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endif()
-install(TARGETS qovxml-configure RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(QOVXML_BUILD_HOST)
+  install(TARGETS qovxml-configure RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(FILES include/QovXml.h include/ILogger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(EXPORT QovXmlTargets NAMESPACE QovXml:: DESTINATION ${package_folder})
@@ -20,4 +22,5 @@ configure_package_config_file(cmake/QovXmlConfig.cmake.in ${PROJECT_BINARY_DIR}/
   INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QovXmlConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QovXmlConfig.cmake ${PROJECT_BINARY_DIR}/QovXmlConfigVersion.cmake
+  cmake/windows/EmbedManifest.cmake cmake/windows/Application.manifest cmake/windows/Application.rc
   DESTINATION ${package_folder})

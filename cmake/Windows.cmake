@@ -1,4 +1,6 @@
 # What only the Windows build has: resources and hardening.
+include(${CMAKE_CURRENT_LIST_DIR}/windows/EmbedManifest.cmake)
+
 if(NOT WIN32)
   function(qovxml_windows_program target)
   endfunction()
@@ -15,12 +17,8 @@ function(qovxml_harden target)
   endif()
 endfunction()
 
-# A program that Windows tells its true version.
 function(qovxml_windows_program target)
-  target_sources(${target} PRIVATE ${PROJECT_SOURCE_DIR}/cmake/windows/Application.rc)
-  if(MSVC)
-    target_link_options(${target} PRIVATE /MANIFEST:NO)
-  endif()
+  qovxml_embed_manifest(${target})
   qovxml_harden(${target})
 endfunction()
 
