@@ -1,0 +1,24 @@
+#include "host/ChosenMachine.h"
+
+#include "BuiltInMachine.h"
+#include "host/ThisMachine.h"
+#include "machine/MachineJson.h"
+
+#include <stdexcept>
+
+namespace host {
+
+ChosenMachine ChooseMachine(const CommonOptions& options)
+{
+    if (!options.machineFile.empty())
+        return {machine::ReadMachine(options.machineFile), "simulated, " + options.machineFile};
+    if (options.exampleMachine)
+        return {machine::ParseMachine(BuiltInMachineText, BuiltInMachineName),
+                std::string("simulated, the built-in ") + BuiltInMachineName};
+    if (!HasWindowsAudio())
+        throw std::runtime_error(
+            "There is no Windows here: name a machine to simulate with --machine FILE or --example-machine");
+    return {std::nullopt, "this machine"};
+}
+
+}  // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "host/CommandLine.h"
+#include "machine/MachineDescription.h"
+
+#include <optional>
+#include <string>
+
+namespace host {
+
+// The machine that a command works on.
+struct ChosenMachine {
+    std::optional<machine::MachineDescription> description;  // none: the one that the program runs on
+    std::string name;                                        // for people
+};
+
+// Throws std::runtime_error: a machine file that cannot be used (its message names file and place), or no machine named
+// where the program's own has no Windows audio.
+ChosenMachine ChooseMachine(const CommonOptions& options);
+
+}  // namespace host

@@ -1,0 +1,53 @@
+#include "host/LogFile.h"
+
+#include "host/Console.h"
+#include "host/ThisMachine.h"
+
+#include <ctime>
+#include <stdexcept>
+
+namespace host {
+
+namespace {
+
+// In UTC, as ISO 8601 has it.
+std::string Now()
+{
+    const std::time_t now = std::time(nullptr);
+    char text[32] = {};
+    if (const std::tm* const utc = std::gmtime(&now))
+        (void)std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%SZ", utc);
+    return text;
+}
+
+}  // namespace
+
+LogFile::LogFile(const std::string& path, const std::string& machineName) : wanted_(!path.empty())
+{
+    if (!wanted_)
+        return;
+    file_.open(path, std::ios::binary);
+    if (!file_)
+        throw std::runtime_error(path + ": the log file cannot be written: name one in a folder that you may write to");
+    Write("qovxml-configure " QOVXML_VERSION);
+    Write("System:  " + SystemName());
+    Write("Machine: " + machineName);
+    Write("Time:    " + Now());
+    Write("");
+}
+
+void LogFile::Write(const std::vector<rehearsal::LogMessage>& log)
+{
+    for (const rehearsal::LogMessage& message : log)
+        Write(LogLine(message));
+}
+
+void LogFile::Write(const std::string& line)
+{
+    if (wanted_)
+        file_ << line << '\n';
+}
+
+bool LogFile::Written() { return !wanted_ || static_cast<bool>(file_.flush()); }
+
+}  // namespace host
