@@ -69,7 +69,7 @@ TEST_P(BlocksTest, DisablingAndEnablingAreInverse)
           "[<@ n='Zan'>|<@Ref n='b'/>|<@2></@2>|</@>]", "[<@ n='Zan'>|<@\x80/><@\xff/>|</@>]",
           "[<@ n='Zan'>|<@0/><@9/><@A/><@Z/><@a/><@z/><@_/><@-/><@./><@:/>|</@>]",
           // Any line that holds the start tag starts a block, whatever follows it.
-          "[<@Ref n='Zan'>|</@>]", "[<@ n='Zan'><v/>|<w x='1'/>|</@>]"}) {
+          "[<@Ref n='Zan'></@>]", "[<@ n='Zan'><v/>|<w x='1'/>|</@>]"}) {
         const LineFile enabled = Lines(text, Enable), disabled = Lines(text, Disable);
         for (const LineFile& lines : {enabled, disabled}) {
             EXPECT_EQ(Edit(Disable, lines, disabled), Done) << text;
