@@ -1,0 +1,94 @@
+// What the files' operations ask of the platform; a file of each kind (standin/, windows/) exists. Paths are narrow, as
+// the C runtime takes them; links are followed where nothing else is said. What the system refuses is thrown as
+// SystemFailure.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace host::platform {
+
+struct SystemFailure : std::runtime_error {  // the system's own message
+    using runtime_error::runtime_error;
+};
+
+// The same for every path and name of one file.
+struct Identity {
+    std::uint64_t volume = 0;
+    std::uint64_t file = 0;
+    bool operator==(const Identity&) const = default;
+};
+
+enum class Kind { Missing, Regular, Link, Other };  // Link: only where links are not followed
+
+struct Facts {
+    Kind kind = Kind::Missing;
+    Identity identity;
+    std::uint64_t names = 0;  // hard links
+};
+
+[[nodiscard]] Facts Look(const std::string& path);
+[[nodiscard]] Kind KindOfName(const std::string& path);  // links are not followed
+// The path of the file that links lead to.
+[[nodiscard]] std::string RealPath(const std::string& path);
+[[nodiscard]] std::string Read(const std::string& path);
+// Throws when a file at a real path cannot be opened for writing; changes nothing.
+void CheckWritable(const std::string& path);
+// Throws when no file can be made beside the one at this path; changes nothing.
+void CheckFolderWritable(const std::string& path);
+// Whether a file of that name was made by somebody who could have written the other file anyway.
+[[nodiscard]] bool Trusted(const std::string& path, const std::string& file);
+// Gives a regular file new bytes under the same name, flushed.
+void Rewrite(const std::string& path, const std::string& bytes);
+// Removes a name; it may be missing.
+void Remove(const std::string& path);
+// Flushes which names there are in the folder of the file.
+void FlushFolder(const std::string& path);
+
+// The one right of all processes to work at a file; it ends with its owner or the process.
+class FileLock {
+public:
+    // None: somebody holds it.
+    [[nodiscard]] static std::optional<FileLock> Take(const std::string& path);
+
+    FileLock(FileLock&& other) noexcept;
+    FileLock& operator=(FileLock&& other) noexcept;
+    ~FileLock();
+
+private:
+    friend class NewFile;
+    explicit FileLock(std::intptr_t handle) : handle_(handle) {}
+
+    std::intptr_t handle_;
+};
+
+// A file that only its maker can read, made under a name that was free; removed again unless it gets another name.
+class NewFile {
+public:
+    explicit NewFile(std::string path);
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    ~NewFile();
+
+    void Write(const std::string& bytes);
+    // Owner, mode, ACL and what else the system keeps beside the bytes; false: some of it cannot be had.
+    [[nodiscard]] bool TakeAttributes(const std::string& original);
+    void Flush();
+    [[nodiscard]] const std::string& Path() const { return path_; }
+
+    // Each is the last that is asked of it. The first takes the place of the target, its lock being held from before;
+    // the second gives false where the name is taken.
+    [[nodiscard]] FileLock RenameOver(const std::string& target);
+    [[nodiscard]] bool RenameToFree(const std::string& target);
+
+private:
+    void Close();
+
+    std::string path_;
+    std::intptr_t handle_;
+    bool renamed_ = false;
+};
+
+}  // namespace host::platform
