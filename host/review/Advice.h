@@ -2,20 +2,19 @@
 #pragma once
 
 #include <span>
-#include <string>
 #include <string_view>
 
 namespace host {
 
 struct Advice {
-    std::string_view message;  // what a message begins with
+    std::string_view message;  // "*" stands for what varies; result codes follow at the end
     std::string_view whatToDo;
 };
 
 // One row for each message that the library can throw.
 std::span<const Advice> AllAdvice();
 
-// One or two sentences; for a message that is in no row, a general one.
+// For a message that fits no row, a general one.
 std::string_view WhatToDo(std::string_view message);
 
 }  // namespace host

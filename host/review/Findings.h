@@ -36,6 +36,7 @@ struct BlockState {
     File file = ConfigurationFile;
     std::string name;
     bool on = false;
+    bool present = false;  // the name occurs in the file
 };
 
 struct ValueSet {

@@ -16,6 +16,9 @@ std::string Harmless(std::string_view bytes);
 // Likewise, but line feeds stay, and a carriage return before one goes.
 std::string HarmlessLines(std::string_view bytes);
 
+// The bytes that the library widened one by one.
+std::string NarrowUnits(std::wstring_view text);
+
 // A message of the library in UTF-8, not yet harmless. The paths in it, which the library widens byte by byte, become
 // what they were.
 std::string LogText(const std::wstring& message);

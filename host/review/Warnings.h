@@ -10,7 +10,7 @@
 
 namespace host {
 
-// Every warning's text; "{name}", "{path}" and "{reason}" stand for what a case fills in.
+// Every warning's text; "{name}", "{path}", "{line}" and "{reason}" stand for what a case fills in.
 std::span<const std::string_view> WarningTexts();
 
 // What a user should know before the outcome is put in place: one line each, harmless to show.
