@@ -54,7 +54,7 @@ std::string MachineLine(const Findings& findings)
     const auto makers = std::count_if(findings.modules.begin(), findings.modules.end(),
                                       [](const FoundModule& module) { return !module.makersName.empty(); });
     return text + Count(findings.deviceCount.value_or(0), "active endpoint") + ", " +
-           Count(findings.modules.size(), "audio module") + ", " + std::to_string(makers) + " of them of Orvex\n";
+           Count(findings.modules.size(), "audio module") + ", " + std::to_string(makers) + " of them by Orvex\n";
 }
 
 // Whether the run passes it over on this Windows.
@@ -80,7 +80,7 @@ std::string ModulesOfMaker(const Findings& findings)
             place += ", not used on this Windows";
         rows.push_back({module.makersName, place, "on " + Harmless(name)});
     }
-    return rows.empty() ? "" : Table("Modules of Orvex", rows);
+    return rows.empty() ? "" : Table("Modules by Orvex", rows);
 }
 
 std::string StateOf(const BlockState& block) { return block.present ? block.on ? "on" : "off" : "missing"; }
@@ -120,14 +120,14 @@ std::string Files(const Report& report)
     }
     const bool any =
         std::any_of(report.files.begin(), report.files.end(), [](const FileReport& file) { return file.changed; });
-    return Table(any ? "Files" : "Nothing to change", rows);
+    return Table(any || report.message ? "Files" : "Nothing to change", rows);
 }
 
 std::string WarningsOf(const Report& report)
 {
     std::vector<Row> rows;
     for (const std::string& warning : report.warnings)
-        rows.push_back({"Warning: " + Harmless(warning)});
+        rows.push_back({Harmless(warning)});
     return rows.empty() ? "" : Table("Warnings", rows);
 }
 

@@ -26,12 +26,11 @@ constexpr std::array<std::string_view, 7> Texts{
     "The domain name \"{name}\" occurs nowhere in {path}: it cannot be switched there.",
     "No Orvex module was found on this machine, so every section and domain is switched off.",
     "Effects for Windows 8.1 and later are registered, but the system reports Windows 8.0, so they are passed over. "
-    "The "
-    "likely cause is that the program has no application manifest for later versions of Windows, or runs in a "
+    "The likely cause is that the program has no application manifest for later versions of Windows, or runs in a "
     "compatibility mode.",
     "No audio endpoint is active: nothing can be found without one. Plug in or enable the device.",
     "The line ends of {path} change from LF to CR LF.",
-    "{path} is not well-formed XML: line {line}: {reason}. What becomes of it is not checked.",
+    "The file {path} is not well-formed XML: line {line}: {reason}. Whether the edits harm it is not checked.",
 };
 
 void Replace(std::string& text, std::string_view place, std::string_view value)

@@ -115,17 +115,20 @@ void BlankEntities(std::string& text, std::size_t start)
     }
 }
 
-// The document type goes, so that no parser meets what it would fetch or unfold.
-void BlankDocumentType(std::string& text)
+// The document type goes, so that no parser meets what it would fetch or unfold. The fault is that it has no end.
+std::optional<XmlFault> BlankDocumentType(std::string& text)
 {
     const std::size_t start = DocumentTypeStart(text);
     if (start == NotFound)
-        return;
+        return std::nullopt;
     const std::size_t end = DocumentTypeEnd(text, start + 1);
-    if (end == NotFound)
-        return;
+    if (end == NotFound) {
+        const auto line = std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(start), '\n') + 1;
+        return XmlFault{static_cast<std::size_t>(line), "the document type declaration has no end"};
+    }
     Blank(text, start, end);
     BlankEntities(text, end);
+    return std::nullopt;
 }
 
 // Bytes above ASCII and colons become letters, each its own, so that encodings and name spaces play no part.
@@ -157,7 +160,8 @@ std::optional<XmlFault> WellFormedFault(const std::string& bytes)
         ReplaceDeclared(text, "version", IsVersion, "1.0");
         ReplaceDeclared(text, "encoding", IsEncoding, "UTF-8");
     }
-    BlankDocumentType(text);
+    if (auto fault = BlankDocumentType(text))
+        return fault;
     return ParserFault(WithLetters(text));
 }
 
