@@ -1,0 +1,139 @@
+#include "host/review/OutcomeChecks.h"
+
+#include "host/review/Advice.h"
+#include "host/review/Lines.h"
+#include "host/review/ShownText.h"
+#include "host/review/WellFormed.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace host {
+
+namespace {
+
+using rehearsal::FileOutcome;
+
+std::string Told(const std::string& path, const std::string& problem, std::string_view whatToDo)
+{
+    return Harmless(path) + ": " + problem + ". What to do: " + std::string(whatToDo);
+}
+
+std::optional<std::string> XmlProblem(const FileOutcome& file)
+{
+    const auto fault = WellFormedFault(*file.after);
+    if (!fault || WellFormedFault(*file.before))
+        return std::nullopt;
+    return Told(file.path,
+                "it would not be well-formed XML any more: line " + std::to_string(fault->line) + ": " + fault->reason,
+                "Give each block lines of its own, with no other markup on them and no \"--\" inside it; a value with "
+                "\"<\" comes from the machine's driver.");
+}
+
+// What a full disk leaves: every whole line that the run writes ends with a line feed.
+bool IsCutShort(const Lines& before, const Lines& after, const FileOutcome& file)
+{
+    return after.size() < before.size() || (!file.after->empty() && !file.after->ends_with('\n'));
+}
+
+// Comment markers where switching a block puts them.
+std::string_view WithoutMarkers(std::string_view line)
+{
+    if (line.starts_with("<!--"))
+        line.remove_prefix(4);
+    if (line.ends_with("-->"))
+        line.remove_suffix(3);
+    return line;
+}
+
+// The line with the value in the place of the old one; none when the run would not have set it there.
+std::optional<std::string> WithValue(const std::string& line, const ValueSet& value)
+{
+    const std::size_t tag = line.find(value.tag);
+    const std::size_t quote = tag == std::string::npos ? tag : line.find('"', tag);
+    if (quote == std::string::npos || line.find(value.keyword) == std::string::npos)
+        return std::nullopt;
+    return line.substr(0, tag) + value.tag + value.value + line.substr(quote);
+}
+
+// What edits can make of the line, itself first; with a value of several lines it is several.
+std::vector<std::string> Outcomes(std::string_view line, const std::vector<ValueSet>& values)
+{
+    std::vector<std::string> outcomes{std::string(line)};
+    for (const ValueSet& value : values)
+        for (std::size_t index = outcomes.size(); index-- > 0;)
+            if (auto edited = WithValue(outcomes[index], value))
+                outcomes.push_back(std::move(*edited));
+    return outcomes;
+}
+
+// Whether the lines from `at` are the expected text, but for the markers; moves behind them.
+bool TakeLines(const Lines& lines, std::size_t& at, const std::string& expected)
+{
+    const auto count = static_cast<std::size_t>(std::count(expected.begin(), expected.end(), '\n')) + 1;
+    if (count > lines.size() - at)
+        return false;
+    std::string text;
+    for (std::size_t index = at; index < at + count; ++index)
+        text += (index > at ? "\n" : "") + std::string(lines[index]);
+    if (text != expected && WithoutMarkers(text) != WithoutMarkers(expected))
+        return false;
+    at += count;
+    return true;
+}
+
+std::optional<std::string> LineProblem(const FileOutcome& file, const std::vector<ValueSet>& values)
+{
+    constexpr std::string_view Report = "Nothing was changed. Report this, with the log and the three files.";
+    const Lines before = WithoutEnds(SplitLines(*file.before));
+    const Lines after = WithoutEnds(SplitLines(*file.after));
+    if (IsCutShort(before, after, file))
+        return Told(file.path, "its copy was cut short at line " + std::to_string(after.size()),
+                    "Make room on the disk that holds the folder for temporary files.");
+    std::size_t at = 0;
+    for (std::size_t index = 0; index < before.size(); ++index) {
+        const std::vector<std::string> outcomes = Outcomes(before[index], values);
+        if (std::none_of(outcomes.begin(), outcomes.end(),
+                         [&](const std::string& outcome) { return TakeLines(after, at, outcome); }))
+            return Told(file.path, "line " + std::to_string(index + 1) + " would change in a way that no edit explains",
+                        Report);
+    }
+    if (at != after.size())
+        return Told(file.path, "it would have more lines than before", Report);
+    return std::nullopt;
+}
+
+std::optional<std::string> FileProblemOf(const FileOutcome& file, const std::vector<ValueSet>& values)
+{
+    if (!file.before || (file.after && *file.after == *file.before))
+        return std::nullopt;
+    if (!file.after)
+        return Told(file.path, "its copy was lost",
+                    "See to it that nothing clears the folder for temporary files meanwhile.");
+    auto problem = LineProblem(file, values);
+    return problem ? problem : XmlProblem(file);
+}
+
+}  // namespace
+
+std::optional<std::string> OutcomeProblem(const rehearsal::Outcome& outcome, const Findings& findings)
+{
+    for (std::size_t index = 0; index < outcome.files.size(); ++index) {
+        std::vector<ValueSet> values;
+        std::copy_if(findings.values.begin(), findings.values.end(), std::back_inserter(values),
+                     [index](const ValueSet& value) { return value.file == index; });
+        if (auto problem = FileProblemOf(outcome.files[index], values))
+            return problem;
+    }
+    return std::nullopt;
+}
+
+std::string FailureText(const rehearsal::Outcome& outcome, const Findings& findings)
+{
+    const std::string& message = outcome.failure.value();
+    const std::string path = findings.fileUnderEdit ? Harmless(outcome.files[*findings.fileUnderEdit].path) + ": " : "";
+    const std::string_view end = message.ends_with('.') ? " " : ". ";
+    return path + Harmless(message) + std::string(end) + "What to do: " + std::string(WhatToDo(message));
+}
+
+}  // namespace host
