@@ -30,11 +30,20 @@ struct Options {
     std::string machine;
 };
 
+void WarnOfUnmetFaults(const simulation::SimulatedMachine& machine)
+{
+    for (const machine::Fault& fault : machine.FaultsThatNeverFired())
+        std::cerr << "qovxml-configure: warning: no call of this run met the fault of " << fault.call
+                  << (fault.object.empty() ? "" : " on " + fault.object)
+                  << (fault.occurrence ? ", occurrence " + std::to_string(*fault.occurrence) : "") << '\n';
+}
+
 int Run(const Options& options)
 {
     ConsoleLogger logger;
+    std::unique_ptr<simulation::SimulatedMachine> machine;
+    int outcome = Success;
     try {
-        std::unique_ptr<simulation::SimulatedMachine> machine;
         if (!options.machine.empty())
             machine = std::make_unique<simulation::SimulatedMachine>(machine::ReadMachine(options.machine));
         else if (auto description = host::DefaultMachine())
@@ -42,10 +51,13 @@ int Run(const Options& options)
         QovXml::ConfigureQovXmls(options.config, logger);
     } catch (const std::exception& failure) {
         std::cerr << "qovxml-configure: failed: " << failure.what() << '\n';
-        return RunFailed;
+        outcome = RunFailed;
     }
-    std::cout << "qovxml-configure: completed\n";
-    return Success;
+    if (machine)
+        WarnOfUnmetFaults(*machine);
+    if (outcome == Success)
+        std::cout << "qovxml-configure: completed\n";
+    return outcome;
 }
 
 }  // namespace

@@ -3,22 +3,38 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <set>
 #include <stdexcept>
 
 namespace machine {
 
-using nlohmann::json;
+using nlohmann::ordered_json;
+
+void JsonMistakes::Note(const std::string& pointer, const std::string& reason)
+{
+    lines_.push_back(source_ + ": " + (pointer.empty() ? "/" : pointer) + ": " + reason);
+}
+
+void JsonMistakes::ThrowIfAny() const
+{
+    std::string message;
+    for (const std::string& line : lines_)
+        message += (message.empty() ? "" : "\n") + line;
+    if (!lines_.empty())
+        throw std::runtime_error(message);
+}
+
+void JsonPlace::Note(const std::string& reason) const { mistakes_->Note(pointer_, reason); }
 
 void JsonPlace::Refuse(const std::string& reason) const
 {
-    throw std::runtime_error(source_ + ": " + (pointer_.empty() ? "/" : pointer_) + ": " + reason);
+    Note(reason);
+    throw Refused();
 }
 
-std::string JsonPlace::Text() const
+std::string JsonPlace::Text(const std::string& kind) const
 {
     if (!value_->is_string())
-        Refuse("must be a text");
+        Refuse("must be " + kind);
     return value_->get<std::string>();
 }
 
@@ -43,8 +59,8 @@ std::vector<JsonPlace> JsonPlace::Elements() const
     if (!value_->is_array())
         Refuse("must be a list");
     std::vector<JsonPlace> elements;
-    for (const json& element : *value_)
-        elements.push_back({element, source_, pointer_ + "/" + std::to_string(elements.size())});
+    for (const ordered_json& element : *value_)
+        elements.push_back({element, *mistakes_, pointer_ + "/" + std::to_string(elements.size())});
     return elements;
 }
 
@@ -53,62 +69,40 @@ std::vector<std::pair<std::string, JsonPlace>> JsonPlace::Members() const
     RequireObject();
     std::vector<std::pair<std::string, JsonPlace>> members;
     for (const auto& member : value_->items())
-        members.emplace_back(member.key(), Required(member.key()));
+        members.emplace_back(member.key(), Member(member.key(), member.value()));
     return members;
 }
 
 bool JsonPlace::IsText() const { return value_->is_string(); }
 
-bool JsonPlace::IsNumber() const { return value_->is_number_integer(); }
+bool JsonPlace::IsNumber() const { return value_->is_number(); }
 
-JsonPlace JsonPlace::Required(const std::string& name) const
-{
-    if (auto member = Optional(name))
-        return *std::move(member);
-    Refuse("lacks the member \"" + name + "\"");
-}
-
-std::optional<JsonPlace> JsonPlace::Optional(const std::string& name) const
-{
-    RequireObject();
-    const auto found = value_->find(name);
-    if (found == value_->end())
-        return std::nullopt;
-    return JsonPlace(*found, source_, pointer_ + (json::json_pointer() / name).to_string());
-}
+bool JsonPlace::IsObject() const { return value_->is_object(); }
 
 void JsonPlace::AllowOnly(std::initializer_list<const char*> names) const
 {
     RequireObject();
     for (const auto& member : value_->items())
         if (std::find(names.begin(), names.end(), member.key()) == names.end())
-            Refuse("has the unknown member \"" + member.key() + "\"");
+            Note("has the unknown member \"" + member.key() + "\"");
+}
+
+JsonPlace JsonPlace::Member(const std::string& name, const ordered_json& value) const
+{
+    return {value, *mistakes_, pointer_ + (ordered_json::json_pointer() / name).to_string()};
+}
+
+std::optional<JsonPlace> JsonPlace::Find(const std::string& name) const
+{
+    RequireObject();
+    const auto found = value_->find(name);
+    return found == value_->end() ? std::nullopt : std::optional(Member(name, *found));
 }
 
 void JsonPlace::RequireObject() const
 {
     if (!value_->is_object())
         Refuse("must be an object");
-}
-
-json ParseJson(const std::string& text, const std::string& source)
-{
-    std::vector<std::set<std::string>> openObjects;
-    const auto watch = [&](int, json::parse_event_t event, json& parsed) {
-        if (event == json::parse_event_t::object_start)
-            openObjects.emplace_back();
-        else if (event == json::parse_event_t::object_end)
-            openObjects.pop_back();
-        else if (event == json::parse_event_t::key && !openObjects.back().insert(parsed.get<std::string>()).second)
-            throw std::runtime_error(source + ": the member \"" + parsed.get<std::string>() +
-                                     "\" stands twice in one object");
-        return true;
-    };
-    try {
-        return json::parse(text, watch);
-    } catch (const json::exception& error) {
-        throw std::runtime_error(source + ": " + error.what());
-    }
 }
 
 }  // namespace machine

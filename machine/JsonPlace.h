@@ -4,6 +4,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <cstdint>
+#include <exception>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -12,44 +13,97 @@
 
 namespace machine {
 
+// What is wrong with a document, so that all of it can be told at once.
+class JsonMistakes {
+public:
+    // `source` names the document.
+    explicit JsonMistakes(std::string source) : source_(std::move(source)) {}
+
+    void Note(const std::string& pointer, const std::string& reason);
+    [[nodiscard]] std::size_t Count() const { return lines_.size(); }
+    [[nodiscard]] const std::string& Source() const { return source_; }
+
+    // Throws std::runtime_error with a line for each mistake: "<source>: <JSON pointer>: <reason>".
+    void ThrowIfAny() const;
+
+private:
+    std::string source_;
+    std::vector<std::string> lines_;
+};
+
+// A reader is any function from a place to what stands there. One that cannot make sense of the place refuses it, and
+// whoever let it read goes on behind it.
 class JsonPlace {
 public:
-    // `source` names the document in failures.
-    static JsonPlace Root(const nlohmann::json& document, const std::string& source) { return {document, source, ""}; }
+    // Both must outlive the places.
+    static JsonPlace Root(const nlohmann::ordered_json& document, JsonMistakes& mistakes)
+    {
+        return {document, mistakes, ""};
+    }
 
-    // Throws std::runtime_error: "<source>: <JSON pointer>: <reason>".
+    // Notes a mistake; the second form gives the value up.
+    void Note(const std::string& reason) const;
     [[noreturn]] void Refuse(const std::string& reason) const;
 
-    // Each refuses a value of another type.
-    [[nodiscard]] std::string Text() const;
+    // Each refuses a value of another kind: "must be <kind>".
+    [[nodiscard]] std::string Text(const std::string& kind = "a text") const;
     [[nodiscard]] bool Flag() const;
     [[nodiscard]] std::int64_t Number(std::int64_t least, std::int64_t most) const;
     [[nodiscard]] std::vector<JsonPlace> Elements() const;
-    // The names and values of an object's members, by name.
+    // The names and values of an object's members, in their order.
     [[nodiscard]] std::vector<std::pair<std::string, JsonPlace>> Members() const;
 
     [[nodiscard]] bool IsText() const;
     [[nodiscard]] bool IsNumber() const;
+    [[nodiscard]] bool IsObject() const;
 
-    // Of an object.
-    [[nodiscard]] JsonPlace Required(const std::string& name) const;
-    [[nodiscard]] std::optional<JsonPlace> Optional(const std::string& name) const;
+    // Notes the members of an object that have other names.
     void AllowOnly(std::initializer_list<const char*> names) const;
 
+    // Runs a reader; whether it met no mistake.
+    template <class Reader>
+    bool Try(Reader read) const
+    {
+        const std::size_t before = mistakes_->Count();
+        try {
+            read(*this);
+        } catch (const Refused&) {
+            // Noted already.
+        }
+        return mistakes_->Count() == before;
+    }
+
+    // Reads a member of an object into `target`, which stays as it is if the member is refused or absent. Whether there
+    // was no mistake.
+    template <class Target, class Reader>
+    bool Required(const char* name, Target& target, Reader read) const
+    {
+        if (const auto member = Find(name))
+            return member->Try([&](const JsonPlace& place) { target = read(place); });
+        Note(std::string("lacks the member \"") + name + "\"");
+        return false;
+    }
+    template <class Target, class Reader>
+    bool Optional(const char* name, Target& target, Reader read) const
+    {
+        const auto member = Find(name);
+        return !member || member->Try([&](const JsonPlace& place) { target = read(place); });
+    }
+
 private:
-    JsonPlace(const nlohmann::json& value, std::string source, std::string pointer)
-        : value_(&value), source_(std::move(source)), pointer_(std::move(pointer))
+    class Refused : public std::exception {};
+
+    JsonPlace(const nlohmann::ordered_json& value, JsonMistakes& mistakes, std::string pointer)
+        : value_(&value), mistakes_(&mistakes), pointer_(std::move(pointer))
     {
     }
+    [[nodiscard]] JsonPlace Member(const std::string& name, const nlohmann::ordered_json& value) const;
+    [[nodiscard]] std::optional<JsonPlace> Find(const std::string& name) const;
     void RequireObject() const;
 
-    const nlohmann::json* value_;
-    std::string source_;
+    const nlohmann::ordered_json* value_;
+    JsonMistakes* mistakes_;
     std::string pointer_;
 };
-
-// Reads a document whose objects have no member twice. Throws std::runtime_error with the source, and the line and
-// column or the name of the member.
-nlohmann::json ParseJson(const std::string& text, const std::string& source);
 
 }  // namespace machine

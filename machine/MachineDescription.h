@@ -17,6 +17,8 @@ namespace machine {
 struct WindowsVersion {
     WORD major = 10;
     WORD minor = 0;
+
+    bool operator==(const WindowsVersion&) const = default;
 };
 
 // A registry value: its data exactly as it is stored.
@@ -24,6 +26,8 @@ struct RegistryValue {
     std::wstring name;
     DWORD type = REG_NONE;
     Bytes data;
+
+    bool operator==(const RegistryValue&) const = default;
 };
 
 // UTF-16 units, low byte first, with that many NUL units behind them.
@@ -47,6 +51,8 @@ struct Endpoint {
     bool registered = true;                                  // whether it has a key in the registry
     std::optional<std::vector<RegistryValue>> properties;    // none: there is no `Properties` key
     std::optional<std::vector<RegistryValue>> fxProperties;  // none: there is no `FxProperties` key
+
+    bool operator==(const Endpoint&) const = default;
 };
 
 // The id that Windows would give the endpoint's device.
@@ -59,6 +65,8 @@ struct Fault {
     std::optional<unsigned> occurrence{};  // counts the calls of that name (on that object) from 1; none: every call
     LONG result = 0;
     std::string object{};  // a device id, or a part's global id, in UTF-8; empty: any object
+
+    bool operator==(const Fault&) const = default;
 };
 
 struct MachineDescription {
@@ -71,6 +79,7 @@ struct MachineDescription {
 
     // The topology of an endpoint or adapter device; null where there is no such device.
     [[nodiscard]] const TopologyDescription* FindTopology(const std::wstring& deviceId) const;
+    bool operator==(const MachineDescription&) const = default;
 };
 
 }  // namespace machine

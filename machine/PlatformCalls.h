@@ -12,8 +12,22 @@ namespace machine {
 // result but 0, the version test by the last error.
 enum class ResultKind { HResult, WindowsError };
 
+// What a call is recorded with: the object of the machine that it is made on, or on which what it is made on was got.
+enum class ObjectKind {
+    None,
+    Device,         // an endpoint or an adapter device, by its device id
+    Endpoint,       // by its device id
+    Filter,         // an adapter device that has a filter, by its device id
+    Part,           // by its global id
+    Connector,      // a part that is a connector
+    InputSelector,  // a part that is an input selector
+    OutputSelector,
+    DeviceOrPart,  // lists of parts: of neighbours by the part, of a signal path by the device
+};
+
 struct PlatformCall {
     std::string_view name;  // "Interface::Method", or the name of a Windows function
+    ObjectKind object = ObjectKind::None;
     ResultKind result = ResultKind::HResult;
 
     // Whether it is a Windows function, not a method of an object.

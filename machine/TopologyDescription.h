@@ -25,6 +25,7 @@ struct PartAddress {
     {
         return std::tie(deviceId, localId) < std::tie(other.deviceId, other.localId);
     }
+    bool operator==(const PartAddress&) const = default;
 };
 
 // A local id in eight hexadecimal digits.
@@ -42,6 +43,8 @@ struct PartDescription {
     std::optional<std::vector<UINT>> incoming;   // none: the part gives no list
     std::optional<std::vector<UINT>> outgoing;
     SelectorKind selector = SelectorKind::None;  // of a subunit
+
+    bool operator==(const PartDescription&) const = default;
 };
 
 struct TopologyDescription {
@@ -50,6 +53,7 @@ struct TopologyDescription {
 
     // Null where there is no such part.
     [[nodiscard]] const PartDescription* FindPart(UINT localId) const;
+    bool operator==(const TopologyDescription&) const = default;
 };
 
 // A node that answers the platform's audio engine descriptor.
@@ -58,6 +62,8 @@ struct AudioEngineNode {
     ULONG hostPin = 0;
     ULONG offloadPin = 0;
     ULONG loopbackPin = 0;
+
+    bool operator==(const AudioEngineNode&) const = default;
 };
 
 // A pin that answers the PP API.
@@ -67,6 +73,9 @@ struct PpApiPin {
     std::optional<Bytes> reply;         // to the module list request; none: the request fails
     std::optional<ULONG> reportedSize;  // what the size query answers; none: the reply's size
     std::optional<ULONG> returnedSize;  // how many bytes the data query claims to return; none: as many as it does
+    bool leavesReturnedSize = false;    // the data query does not tell: it leaves the caller's count as it is
+
+    bool operator==(const PpApiPin&) const = default;
 };
 
 // A reply that lists modules by type number and GUID.
@@ -80,6 +89,8 @@ Bytes ModuleListReply(const std::vector<FwModuleEntry>& modules);
 struct FilterDescription {
     std::vector<AudioEngineNode> audioEngineNodes;
     std::vector<PpApiPin> pins;
+
+    bool operator==(const FilterDescription&) const = default;
 };
 
 // An adapter device of the driver.
@@ -87,6 +98,8 @@ struct AdapterDevice {
     std::wstring id;
     TopologyDescription topology;
     std::optional<FilterDescription> filter;  // none: IKsControl cannot be activated
+
+    bool operator==(const AdapterDevice&) const = default;
 };
 
 }  // namespace machine

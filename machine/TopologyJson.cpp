@@ -6,152 +6,119 @@ namespace machine {
 
 namespace {
 
-std::vector<UINT> ReadLocalIds(const JsonPlace& place)
+using nlohmann::ordered_json;
+
+constexpr NamedValue<ConnectorType> ConnectorTypes[] = {
+    {"unknown", Unknown_Connector}, {"physicalInternal", Physical_Internal}, {"physicalExternal", Physical_External},
+    {"softwareIO", Software_IO},    {"softwareFixed", Software_Fixed},       {"network", Network},
+};
+constexpr NamedValue<SelectorKind> Selectors[] = {{"input", SelectorKind::Input}, {"output", SelectorKind::Output}};
+
+using Neighbours = std::vector<std::pair<JsonPlace, UINT>>;
+
+PartAddress ReadPartAddress(const JsonPlace& place, Connections& connections)
 {
-    std::vector<UINT> localIds;
-    for (const JsonPlace& element : place.Elements())
-        localIds.push_back(ReadLocalId(element));
-    return localIds;
+    place.AllowOnly({"device", "part"});
+    PartAddress address;
+    const bool known = place.Required("device", address.deviceId, ReadWideText);
+    if (place.Required("part", address.localId, ReadLocalId) && known)
+        connections.emplace_back(place, address);
+    return address;
 }
 
-PartDescription ReadPart(const JsonPlace& place)
+PartDescription ReadPart(const JsonPlace& place, std::set<UINT>& ids, Neighbours& neighbours, Connections& connections)
 {
     place.AllowOnly({"id", "connector", "connectedTo", "incoming", "outgoing", "selector"});
+    const auto neighbour = [&](const JsonPlace& element) {
+        const UINT localId = ReadLocalId(element);
+        neighbours.emplace_back(element, localId);
+        return localId;
+    };
     PartDescription part;
-    part.localId = ReadLocalId(place.Required("id"));
-    if (const auto connector = place.Optional("connector"))
-        part.connectorType = ReadNamed<ConnectorType>(*connector, {{"unknown", Unknown_Connector},
-                                                                   {"physicalInternal", Physical_Internal},
-                                                                   {"physicalExternal", Physical_External},
-                                                                   {"softwareIO", Software_IO},
-                                                                   {"softwareFixed", Software_Fixed},
-                                                                   {"network", Network}});
-    if (const auto connectedTo = place.Optional("connectedTo")) {
-        if (!part.connectorType)
-            connectedTo->Refuse("belongs to a connector");
-        connectedTo->AllowOnly({"device", "part"});
-        part.connectedTo =
-            PartAddress{ReadWideText(connectedTo->Required("device")), ReadLocalId(connectedTo->Required("part"))};
-    }
-    if (const auto incoming = place.Optional("incoming"))
-        part.incoming = ReadLocalIds(*incoming);
-    if (const auto outgoing = place.Optional("outgoing"))
-        part.outgoing = ReadLocalIds(*outgoing);
-    if (const auto selector = place.Optional("selector")) {
+    place.Required("id", part.localId, Unique(ReadLocalId, ids, "is the id of an earlier part too"));
+    const bool known = place.Optional("connector", part.connectorType, OneOf(ConnectorTypes));
+    place.Optional("connectedTo", part.connectedTo, [&](const JsonPlace& connectedTo) {
+        if (known && !part.connectorType)
+            connectedTo.Note("belongs to a connector");
+        return ReadPartAddress(connectedTo, connections);
+    });
+    place.Optional("incoming", part.incoming, ListOf(neighbour));
+    place.Optional("outgoing", part.outgoing, ListOf(neighbour));
+    place.Optional("selector", part.selector, [&](const JsonPlace& selector) {
         if (part.connectorType)
-            selector->Refuse("belongs to a subunit");
-        part.selector =
-            ReadNamed<SelectorKind>(*selector, {{"input", SelectorKind::Input}, {"output", SelectorKind::Output}});
-    }
+            selector.Note("belongs to a subunit");
+        return OneOf(Selectors)(selector);
+    });
     return part;
 }
 
-void RefuseUnknownNeighbours(const std::vector<JsonPlace>& places, const TopologyDescription& topology)
+ordered_json WriteLocalIds(const std::vector<UINT>& localIds)
 {
-    for (const JsonPlace& place : places)
-        for (const char* const name : {"incoming", "outgoing"})
-            if (const auto list = place.Optional(name))
-                for (const JsonPlace& element : list->Elements())
-                    if (topology.FindPart(ReadLocalId(element)) == nullptr)
-                        element.Refuse("is no part of this topology");
+    ordered_json written = ordered_json::array();
+    for (const UINT localId : localIds)
+        written.push_back(LocalIdText(localId));
+    return written;
 }
 
-AudioEngineNode ReadAudioEngineNode(const JsonPlace& place)
+ordered_json WritePart(const PartDescription& part)
 {
-    place.AllowOnly({"node", "hostPin", "offloadPin", "loopbackPin"});
-    AudioEngineNode node;
-    node.nodeId = ReadLocalId(place.Required("node"));
-    node.offloadPin = ReadUnsigned(place.Required("offloadPin"));
-    if (const auto pin = place.Optional("hostPin"))
-        node.hostPin = ReadUnsigned(*pin);
-    if (const auto pin = place.Optional("loopbackPin"))
-        node.loopbackPin = ReadUnsigned(*pin);
-    return node;
-}
-
-Bytes ReadModuleList(const JsonPlace& place)
-{
-    std::vector<FwModuleEntry> modules;
-    for (const JsonPlace& element : place.Elements()) {
-        element.AllowOnly({"type", "guid"});
-        modules.push_back({ReadUnsigned(element.Required("type")), ReadGuid(element.Required("guid"))});
+    ordered_json written;
+    written["id"] = LocalIdText(part.localId);
+    if (part.connectorType)
+        written["connector"] = WriteName(ConnectorTypes, *part.connectorType);
+    if (part.connectedTo) {
+        written["connectedTo"]["device"] = WriteWideText(part.connectedTo->deviceId);
+        written["connectedTo"]["part"] = LocalIdText(part.connectedTo->localId);
     }
-    return ModuleListReply(modules);
+    if (part.incoming)
+        written["incoming"] = WriteLocalIds(*part.incoming);
+    if (part.outgoing)
+        written["outgoing"] = WriteLocalIds(*part.outgoing);
+    if (part.selector != SelectorKind::None)
+        written["selector"] = WriteName(Selectors, part.selector);
+    return written;
 }
 
-PpApiPin ReadPin(const JsonPlace& place)
+std::pair<UINT, UINT> ReadSignalPath(const JsonPlace& place, Neighbours& neighbours)
 {
-    place.AllowOnly({"id", "version", "modules", "reply", "reportedSize", "returnedSize"});
-    PpApiPin pin;
-    pin.pinId = ReadUnsigned(place.Required("id"));
-    const auto version = place.Optional("version");
-    pin.version = version ? ReadBytes(*version) : Bytes{1, 0, 0, 0, 0};
-    const auto modules = place.Optional("modules");
-    const auto reply = place.Optional("reply");
-    if (modules && reply)
-        place.Refuse(R"(may have one of "modules" and "reply")");
-    if (modules)
-        pin.reply = ReadModuleList(*modules);
-    else if (reply)
-        pin.reply = ReadBytes(*reply);
-    for (const auto& [name, size] :
-         {std::pair{"reportedSize", &pin.reportedSize}, {"returnedSize", &pin.returnedSize}}) {
-        const auto number = place.Optional(name);
-        if (number && !pin.reply)
-            number->Refuse("belongs to a pin with a reply");
-        if (number)
-            *size = ReadUnsigned(*number);
-    }
-    return pin;
-}
-
-FilterDescription ReadFilter(const JsonPlace& place)
-{
-    place.AllowOnly({"audioEngine", "pins"});
-    FilterDescription filter;
-    if (const auto nodes = place.Optional("audioEngine"))
-        for (const JsonPlace& node : nodes->Elements())
-            filter.audioEngineNodes.push_back(ReadAudioEngineNode(node));
-    if (const auto pins = place.Optional("pins"))
-        for (const JsonPlace& pin : pins->Elements())
-            filter.pins.push_back(ReadPin(pin));
-    return filter;
+    const std::vector<JsonPlace> ends = place.Elements();
+    if (ends.size() != 2)
+        place.Refuse("must be two ids of parts of this topology: from and to");
+    for (const JsonPlace& end : ends)
+        neighbours.emplace_back(end, ReadLocalId(end));
+    return {neighbours.end()[-2].second, neighbours.back().second};
 }
 
 }  // namespace
 
-TopologyDescription ReadTopology(const JsonPlace& place)
+TopologyDescription ReadTopology(const JsonPlace& place, Connections& connections)
 {
     place.AllowOnly({"parts", "signalPaths"});
     TopologyDescription topology;
-    const std::vector<JsonPlace> parts = place.Required("parts").Elements();
-    for (const JsonPlace& element : parts) {
-        PartDescription part = ReadPart(element);
-        if (topology.FindPart(part.localId) != nullptr)
-            element.Required("id").Refuse("is the id of an earlier part too");
-        topology.parts.push_back(std::move(part));
-    }
-    RefuseUnknownNeighbours(parts, topology);
-    if (const auto paths = place.Optional("signalPaths")) {
-        for (const JsonPlace& element : paths->Elements()) {
-            const std::vector<UINT> path = ReadLocalIds(element);
-            if (path.size() != 2 || topology.FindPart(path[0]) == nullptr || topology.FindPart(path[1]) == nullptr)
-                element.Refuse("must be two ids of parts of this topology: from and to");
-            topology.signalPaths.emplace_back(path[0], path[1]);
-        }
-    }
+    std::set<UINT> ids;
+    Neighbours neighbours;
+    const bool known =
+        place.Required("parts", topology.parts,
+                       ListOf([&](const JsonPlace& part) { return ReadPart(part, ids, neighbours, connections); }));
+    std::set<std::pair<UINT, UINT>> paths;
+    const auto readPath = [&](const JsonPlace& path) { return ReadSignalPath(path, neighbours); };
+    place.Optional("signalPaths", topology.signalPaths,
+                   ListOf(Unique(readPath, paths, "is an earlier signal path too")));
+    for (const auto& [neighbourPlace, localId] : neighbours)
+        if (known && ids.count(localId) == 0)
+            neighbourPlace.Note("is no part of this topology");
     return topology;
 }
 
-AdapterDevice ReadAdapterDevice(const JsonPlace& place)
+ordered_json WriteTopology(const TopologyDescription& topology)
 {
-    place.AllowOnly({"id", "topology", "filter"});
-    AdapterDevice device;
-    device.id = ReadWideText(place.Required("id"));
-    device.topology = ReadTopology(place.Required("topology"));
-    if (const auto filter = place.Optional("filter"))
-        device.filter = ReadFilter(*filter);
-    return device;
+    ordered_json written;
+    written["parts"] = ordered_json::array();
+    for (const PartDescription& part : topology.parts)
+        written["parts"].push_back(WritePart(part));
+    for (const auto& [from, to] : topology.signalPaths)
+        written["signalPaths"].push_back(WriteLocalIds({from, to}));
+    return written;
 }
 
 }  // namespace machine

@@ -3,10 +3,18 @@
 #include "machine/JsonPlace.h"
 #include "machine/TopologyDescription.h"
 
+#include <nlohmann/json_fwd.hpp>
+
+#include <utility>
+#include <vector>
+
 namespace machine {
 
-TopologyDescription ReadTopology(const JsonPlace& place);
+// What connectors are connected to, and where that stands: it can be looked for once all topologies are read.
+using Connections = std::vector<std::pair<JsonPlace, PartAddress>>;
 
-AdapterDevice ReadAdapterDevice(const JsonPlace& place);
+TopologyDescription ReadTopology(const JsonPlace& place, Connections& connections);
+
+nlohmann::ordered_json WriteTopology(const TopologyDescription& topology);
 
 }  // namespace machine

@@ -70,4 +70,6 @@ std::string Utf16ToUtf8(std::wstring_view text)
     return narrow;
 }
 
+bool IsUtf16(std::wstring_view text) { return Utf8ToUtf16(Utf16ToUtf8(text)) == text; }
+
 }  // namespace machine

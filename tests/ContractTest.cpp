@@ -99,6 +99,15 @@ TEST_F(RegistryContract, NamesAreFoundWithoutRegardToCase)
         EXPECT_EQ(Open(root_, path), ERROR_FILE_NOT_FOUND) << path;
 }
 
+TEST(TextContract, OrdinalComparisonTakesCaseAsTheRegistryDoes)
+{
+    const LPCWSTR lower = L"v\u00e4lue\u03b1", upper = L"V\u00c4LUE\u0391";
+    EXPECT_EQ(CompareStringOrdinal(lower, -1, upper, 6, TRUE), CSTR_EQUAL);
+    EXPECT_EQ(CompareStringOrdinal(lower, -1, upper, 6, FALSE), CSTR_GREATER_THAN);
+    EXPECT_EQ(CompareStringOrdinal(lower, 5, upper, 6, TRUE), CSTR_LESS_THAN);
+    EXPECT_EQ(CompareStringOrdinal(L"Value", -1, upper, -1, TRUE), CSTR_LESS_THAN);
+}
+
 TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
 {
     for (const LPCWSTR name : {L"{b}", L"b", L"A\\Inner", L"C", L"{a}-", L"aa", L"{a}"})

@@ -21,15 +21,22 @@ TEST(Utf16Test, TurnsCodePointsIntoUnitsAndBack)
     for (const Row& row : rows) {
         EXPECT_EQ(machine::Utf8ToUtf16(row.narrow), row.wide);
         EXPECT_EQ(machine::Utf16ToUtf8(row.wide), row.narrow);
+        EXPECT_TRUE(machine::IsUtf16(row.wide));
     }
 }
 
 TEST(Utf16Test, ReplacesUnpairedSurrogates)
 {
-    EXPECT_EQ(machine::Utf16ToUtf8(L"a\xd83c"), "a\xef\xbf\xbd");
-    EXPECT_EQ(machine::Utf16ToUtf8(L"\xdfa7z\xdbffz"), "\xef\xbf\xbdz\xef\xbf\xbdz");
-    EXPECT_EQ(machine::Utf16ToUtf8(L"\xdfa7\xd83c"), "\xef\xbf\xbd\xef\xbf\xbd");
-    EXPECT_EQ(machine::Utf16ToUtf8(L"\xd83c\xd83c\xdfa7"), "\xef\xbf\xbd\xf0\x9f\x8e\xa7");
+    const Row rows[] = {
+        {L"a\xd83c", "a\xef\xbf\xbd"},
+        {L"\xdfa7z\xdbffz", "\xef\xbf\xbdz\xef\xbf\xbdz"},
+        {L"\xdfa7\xd83c", "\xef\xbf\xbd\xef\xbf\xbd"},
+        {L"\xd83c\xd83c\xdfa7", "\xef\xbf\xbd\xf0\x9f\x8e\xa7"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(machine::Utf16ToUtf8(row.wide), row.narrow);
+        EXPECT_FALSE(machine::IsUtf16(row.wide));
+    }
 }
 
 }  // namespace

@@ -58,8 +58,11 @@ public:
         return Recorded("IKsControl::KsProperty", object_, arguments, [&] {
             Request request{};
             std::memcpy(&request, property, std::min<std::size_t>(propertyLength, sizeof(request)));
-            *bytesReturned = 0;
-            return Answer(request, propertyLength, {static_cast<std::uint8_t*>(data), dataLength, *bytesReturned});
+            const HRESULT result =
+                Answer(request, propertyLength, {static_cast<std::uint8_t*>(data), dataLength, *bytesReturned});
+            if (FAILED(result))
+                *bytesReturned = 0;
+            return result;
         });
     }
     HRESULT STDMETHODCALLTYPE KsMethod(PKSMETHOD, ULONG, void*, ULONG, ULONG*) override { return E_NOTIMPL; }
@@ -120,8 +123,9 @@ private:
             reply.returned = pin.reportedSize.value_or(static_cast<ULONG>(pin.reply->size()));
             return S_OK;
         }
+        const ULONG before = reply.returned;
         const HRESULT result = reply.Give(pin.reply->data(), pin.reply->size());
-        reply.returned = pin.returnedSize.value_or(reply.returned);
+        reply.returned = pin.leavesReturnedSize ? before : pin.returnedSize.value_or(reply.returned);
         return result;
     }
 

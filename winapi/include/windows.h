@@ -146,6 +146,15 @@ LSTATUS WINAPI RegDeleteTreeW(HKEY key, LPCWSTR subKey);
 LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement);
 LSTATUS WINAPI RegCloseKey(HKEY key);
 
+// --- Texts -------------------------------------------------------------------------------------------------------
+
+constexpr int CSTR_LESS_THAN = 1;
+constexpr int CSTR_EQUAL = 2;
+constexpr int CSTR_GREATER_THAN = 3;
+
+// Unit by unit; without regard to case, as the registry compares names.
+int WINAPI CompareStringOrdinal(LPCWSTR left, int leftLength, LPCWSTR right, int rightLength, BOOL ignoreCase);
+
 // --- Windows version ---------------------------------------------------------------------------------------------
 
 struct OSVERSIONINFOEXW {

@@ -2,26 +2,12 @@
 
 #include "Internal.h"
 
-#include <algorithm>
-#include <locale>
-
 namespace winapi::internal {
-
-namespace {
-
-wchar_t Upper(wchar_t unit)
-{
-    // Not the process's locale, which may know the letters of ASCII alone.
-    static const std::locale locale("C.UTF-8");
-    return std::toupper(unit, locale);
-}
-
-}  // namespace
 
 bool NameOrder::operator()(const std::wstring& left, const std::wstring& right) const
 {
-    return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                        [](wchar_t a, wchar_t b) { return Upper(a) < Upper(b); });
+    return CompareStringOrdinal(left.c_str(), static_cast<int>(left.size()), right.c_str(),
+                                static_cast<int>(right.size()), TRUE) == CSTR_LESS_THAN;
 }
 
 void MarkDeleted(RegistryKey& key)
