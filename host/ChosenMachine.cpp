@@ -8,14 +8,14 @@
 
 namespace host {
 
-ChosenMachine ChooseMachine(const CommonOptions& options)
+ChosenMachine ChooseMachine(const CommonOptions& options, bool needed)
 {
     if (!options.machineFile.empty())
         return {machine::ReadMachine(options.machineFile), "simulated, " + options.machineFile};
     if (options.exampleMachine)
         return {machine::ParseMachine(BuiltInMachineText, BuiltInMachineName),
                 std::string("simulated, the built-in ") + BuiltInMachineName};
-    if (!HasWindowsAudio())
+    if (needed && !HasWindowsAudio())
         throw std::runtime_error(
             "There is no Windows here: name a machine to simulate with --machine FILE or --example-machine");
     return {std::nullopt, "this machine"};

@@ -15,7 +15,7 @@ struct ChosenMachine {
 };
 
 // Throws std::runtime_error: a machine file that cannot be used (its message names file and place), or no machine named
-// where the program's own has no Windows audio.
-ChosenMachine ChooseMachine(const CommonOptions& options);
+// where one is needed and the program's own has no Windows audio.
+ChosenMachine ChooseMachine(const CommonOptions& options, bool needed);
 
 }  // namespace host

@@ -19,10 +19,11 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options)
     file("--settings", options.files.SettingsFile, "QOV settings file");
     file("--pipelines", options.files.ApoPipelinesDefinitionFile,
          "APO pipelines definition file, wanted when an APO is present");
-    auto* const machine = command
-                              .add_option("--machine", options.machineFile,
-                                          "simulate the machine that this JSON file describes instead of using this one")
-                              ->type_name("FILE");
+    auto* const machine =
+        command
+            .add_option("--machine", options.machineFile,
+                        "simulate the machine that this JSON file describes instead of using this one")
+            ->type_name("FILE");
     command.add_flag("--example-machine", options.exampleMachine, "simulate the built-in example laptop")
         ->excludes(machine);
     auto* const quiet = command.add_flag("--quiet", options.quiet, "tell warnings and the outcome only");
@@ -40,7 +41,8 @@ void AddBackupOption(CLI::App& command, std::string& suffix, const std::string& 
 
 bool IsSuffix(const std::string& suffix) { return !suffix.empty() && suffix.find_first_of("/\\") == std::string::npos; }
 
-constexpr char Footer[] = R"(Exit codes: 0 done or nothing to change, 1 the run was refused or failed, 2 wrong usage, 3 a file problem,
+constexpr char Footer[] =
+    R"(Exit codes: 0 done or nothing to change, 1 the run was refused or failed, 2 wrong usage, 3 a file problem,
 4 a dry run would change something (--exit-code), 5 warnings (--strict).)";
 constexpr char ApplyExample[] = R"(Example: see what would change, then change it and keep copies:
   qovxml-configure apply --configuration QovConfiguration.xml --settings QovSettings.xml \

@@ -14,7 +14,7 @@ enum ExitCode : int {
     RunFailed = 1,
     WrongUsage = 2,
     FileProblemFound = 3,
-    WouldChange = 4,     // a dry run with --exit-code
+    WouldChange = 4,        // a dry run with --exit-code
     StoppedByWarnings = 5,  // --strict
 };
 
@@ -41,8 +41,8 @@ struct RestoreOptions : CommonOptions {
     std::string backupSuffix;
 };
 
-// A command to carry out, or the exit code of a call that is answered already: help or version on standard output, wrong
-// usage on standard error.
+// A command to carry out, or the exit code of a call that is answered already: help or version on standard output,
+// wrong usage on standard error.
 std::variant<ApplyOptions, RestoreOptions, ExitCode> ReadCommandLine(int argc, char** argv);
 
 // Tells wrong usage that shows only when an option is looked at, in the form of the others.

@@ -1,4 +1,5 @@
-# qovxml_embed_manifest(target): makes the program one that Windows tells its true version. Does nothing off Windows.
+# qovxml_embed_manifest(target): makes the program one that Windows tells its true version and whose narrow texts are UTF-8.
+# Does nothing off Windows.
 # A part of the installed package, and used by this project's own programs.
 if(WIN32 AND NOT MSVC)
   enable_language(RC)

@@ -1,0 +1,157 @@
+#include "host/commands/Commands.h"
+#include "host/commands/Ending.h"
+#include "host/files/FileSession.h"
+#include "host/files/Interrupt.h"
+#include "host/review/Findings.h"
+#include "host/review/OutcomeChecks.h"
+#include "host/review/Report.h"
+#include "host/review/ShownText.h"
+#include "host/review/Warnings.h"
+#include "rehearsal/Rehearsal.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+std::string Joined(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines)
+        text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
+std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
+{
+    std::vector<std::string> warnings;
+    for (const machine::Fault& fault : outcome.unusedFaults)
+        warnings.push_back("no call of the run met the machine file's fault of " + fault.call +
+                           (fault.object.empty() ? "" : " of " + Harmless(fault.object)));
+    return warnings;
+}
+
+std::vector<FileChange> Changes(const rehearsal::Outcome& outcome)
+{
+    std::vector<FileChange> changes;
+    for (const rehearsal::FileOutcome& file : outcome.files)
+        if (file.before && file.after && file.before != file.after)
+            changes.push_back({file.path, *file.before, *file.after});
+    return changes;
+}
+
+std::vector<std::string> Paths(const std::vector<FileChange>& changes)
+{
+    std::vector<std::string> paths;
+    for (const FileChange& change : changes)
+        paths.push_back(change.path);
+    return paths;
+}
+
+// One `apply`, from the first look at the files to the end.
+class Application {
+public:
+    Application(const ApplyOptions& options, const ChosenMachine& machine, const Console& console, LogFile& logFile)
+        : options_(options), machine_(machine), console_(console), logFile_(logFile), ending_(options, console, logFile)
+    {
+    }
+
+    ExitCode Run()
+    {
+        try {
+            FileSession session(options_.files, options_.dryRun ? Purpose::Look : Purpose::Change);
+            for (const std::string& notice : session.Notices())
+                console_.Step(notice);
+            const std::vector<std::string> problems = session.Problems();
+            if (!problems.empty())
+                return ending_.Failed(FileProblemFound, Joined(problems));
+            console_.Step("The three files can be used.");
+            return RehearseAndApply(session);
+        } catch (const FileProblem& problem) {
+            return ending_.Failed(FileProblemFound, problem.what());
+        } catch (const std::exception& failure) {
+            return ending_.Failed(RunFailed, Harmless(failure.what()));
+        }
+    }
+
+private:
+    ExitCode RehearseAndApply(FileSession& session)
+    {
+        console_.Step("Rehearsing the run on copies (machine: " + Harmless(machine_.name) + ")...");
+        const rehearsal::Outcome outcome = machine_.description
+                                               ? rehearsal::Rehearse(*machine_.description, options_.files)
+                                               : rehearsal::Rehearse(options_.files);
+        ThrowIfInterrupted();
+        ending_.report.log = rehearsal::Log(outcome);
+        console_.LibraryLog(ending_.report.log);
+        logFile_.Write(ending_.report.log);
+
+        const Findings findings = ReadFindings(outcome);
+        if (outcome.failure) {
+            const bool pipelinesMissing =
+                findings.fileUnderEdit == PipelinesFile && !outcome.files[PipelinesFile].before;
+            return ending_.Failed(pipelinesMissing ? FileProblemFound : RunFailed, FailureText(outcome, findings));
+        }
+        if (const auto problem = OutcomeProblem(outcome, findings))
+            return ending_.Failed(RunFailed, *problem);
+        return Put(session, outcome, findings);
+    }
+
+    ExitCode Put(FileSession& session, const rehearsal::Outcome& outcome, const Findings& findings)
+    {
+        const std::vector<FileChange> changes = Changes(outcome);
+        ending_.report.files = FileReports(outcome);
+        if (options_.diff)
+            ending_.report.diff = Diff(outcome);
+        ending_.AddWarnings(Warnings(outcome, findings));
+        ending_.AddWarnings(UnusedFaults(outcome));
+        if (options_.dryRun)
+            ending_.AddWarnings(session.Hindrances(options_.backupSuffix, Paths(changes)));
+        if (options_.strict && !ending_.report.warnings.empty())
+            return EndUnchanged(StoppedByWarnings, "warnings", findings);
+        if (changes.empty())
+            return EndUnchanged(Done, "unchanged", findings);
+        if (options_.dryRun)
+            return EndUnchanged(options_.exitCode ? WouldChange : Done, "would-change", findings);
+
+        const std::vector<std::string> backups = session.PutInPlace(changes, options_.backupSuffix);
+        for (FileReport& file : ending_.report.files) {
+            const std::string backup = file.path + options_.backupSuffix.value_or("");
+            if (file.changed && std::find(backups.begin(), backups.end(), backup) != backups.end())
+                file.backup = backup;
+        }
+        for (const FileChange& change : changes)
+            console_.Step("Put in place: " + Harmless(change.path));
+        ending_.report.outcome = "done";
+        return ending_.With(Done, Summary(ending_.report, findings));
+    }
+
+    // What would change is told in a dry run alone.
+    ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)
+    {
+        if (!options_.dryRun)
+            for (FileReport& file : ending_.report.files)
+                file.changed = false;
+        ending_.report.outcome = outcome;
+        return ending_.With(code, Summary(ending_.report, findings));
+    }
+
+    const ApplyOptions& options_;
+    const ChosenMachine& machine_;
+    const Console& console_;
+    LogFile& logFile_;
+    Ending ending_;
+};
+
+}  // namespace
+
+ExitCode RunApply(const ApplyOptions& options)
+{
+    return RunCommand(options, true,
+                      [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
+                          return Application(options, machine, console, logFile).Run();
+                      });
+}
+
+}  // namespace host

@@ -1,0 +1,104 @@
+#include "host/commands/Ending.h"
+
+#include "host/files/Interrupt.h"
+#include "host/review/ShownText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <system_error>
+
+namespace host {
+
+namespace {
+
+// By path, link or hard link: it would be emptied before it is read.
+bool IsOneOfTheFiles(const std::string& logFile, const QovXml::Config& files)
+{
+    const auto same = [&logFile](const std::string& file) {
+        std::error_code ignored;
+        return logFile == file || std::filesystem::equivalent(logFile, file, ignored);
+    };
+    return !logFile.empty() &&
+           (same(files.ConfigurationFile) || same(files.SettingsFile) || same(files.ApoPipelinesDefinitionFile));
+}
+
+}  // namespace
+
+ExitCode RunCommand(const CommonOptions& options, bool needsMachine, const CommandBody& body)
+{
+    if (IsOneOfTheFiles(options.logFile, options.files))
+        return TellWrongUsage("--log-file: " + Harmless(options.logFile) + " is one of the three files");
+    ChosenMachine machine;
+    try {
+        machine = ChooseMachine(options, needsMachine);
+    } catch (const std::exception& failure) {
+        return TellWrongUsage(HarmlessLines(failure.what()));
+    }
+    const Console console(options);
+    const InterruptGuard guard;
+    LogFile logFile(options.logFile, machine.name);
+    if (!logFile.Written()) {
+        Ending ending(options, console, logFile);
+        return ending.Failed(FileProblemFound, Harmless(options.logFile) +
+                                                   ": the log file cannot be written: name one in a folder that you "
+                                                   "may write to");
+    }
+    return body(machine, console, logFile);
+}
+
+Ending::Ending(const CommonOptions& options, const Console& console, LogFile& logFile)
+    : console_(console), logFile_(logFile)
+{
+    for (const std::string& path :
+         {options.files.ConfigurationFile, options.files.SettingsFile, options.files.ApoPipelinesDefinitionFile})
+        report.files.push_back({path, false, std::nullopt, {}});
+}
+
+ExitCode Ending::Failed(ExitCode code, const std::string& problems)
+{
+    report.outcome = code == FileProblemFound ? "file-problem" : "failed";
+    report.message = problems;
+    for (FileReport& file : report.files) {
+        file.changed = false;
+        file.backup.reset();
+    }
+    console_.Error(problems);
+    logFile_.Write(problems);
+    return Finish(code);
+}
+
+void Ending::AddWarnings(const std::vector<std::string>& warnings)
+{
+    for (const std::string& warning : warnings) {
+        console_.Warning(warning);
+        logFile_.Write("warning: " + warning);
+        report.warnings.push_back(warning);
+    }
+}
+
+ExitCode Ending::With(ExitCode code, const std::string& summary)
+{
+    logFile_.Write("");
+    logFile_.Write(summary);
+    console_.Summary(summary);
+    if (report.diff)
+        console_.Diff(*report.diff);
+    return Finish(code);
+}
+
+ExitCode Ending::Finish(ExitCode code)
+{
+    console_.Json(OutcomeJson(report).dump(2));
+    if (!logFile_.Written()) {
+        console_.Error("The log file could not be written to its end: look whether the disk is full");
+        code = code == Done ? RunFailed : code;
+    }
+    if (!console_.OutputWritten()) {
+        console_.Error("Standard output could not be written to its end");
+        return code == Done || code == WouldChange ? RunFailed : code;
+    }
+    return code;
+}
+
+}  // namespace host

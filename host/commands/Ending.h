@@ -1,0 +1,42 @@
+// What commands have in common: how they begin, and how they end, told on every way at once.
+#pragma once
+
+#include "host/ChosenMachine.h"
+#include "host/CommandLine.h"
+#include "host/Console.h"
+#include "host/LogFile.h"
+#include "host/review/Report.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+using CommandBody = std::function<ExitCode(const ChosenMachine&, const Console&, LogFile&)>;
+
+// Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted.
+ExitCode RunCommand(const CommonOptions& options, bool needsMachine, const CommandBody& body);
+
+class Ending {
+public:
+    Ending(const CommonOptions& options, const Console& console, LogFile& logFile);
+
+    // What is known so far; each way to end fills in the rest.
+    Report report;
+
+    // Failed, or refused: `problems` are one or several lines, already fit to be shown.
+    ExitCode Failed(ExitCode code, const std::string& problems);
+    // Every warning is told when it is added.
+    void AddWarnings(const std::vector<std::string>& warnings);
+    // Shows summary and diff; the report is whole. The exit code is `code`, unless standard output cannot be written.
+    ExitCode With(ExitCode code, const std::string& summary);
+
+private:
+    ExitCode Finish(ExitCode code);
+
+    const Console& console_;
+    LogFile& logFile_;
+};
+
+}  // namespace host

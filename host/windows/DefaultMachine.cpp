@@ -1,3 +1,0 @@
-#include "DefaultMachine.h"
-
-std::optional<machine::MachineDescription> host::DefaultMachine() { return std::nullopt; }

@@ -1,0 +1,163 @@
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import time
+
+import pytest
+
+CONFIGURATION, SETTINGS, PIPELINES = NAMES = ("QovConfiguration.xml", "QovSettings.xml", "ApoPipelinesDefinition.xml")
+posix_only = pytest.mark.skipif("QOVXML_LAUNCHER" in os.environ, reason="the means are those of POSIX")
+
+
+def as_nobody(folder, command):
+    """Without root's rights, which no file mode stops."""
+    if os.getuid() != 0:
+        return subprocess.run(command, cwd=folder.path, capture_output=True, text=True, timeout=120)
+    for parent in [folder.path, *folder.path.parents]:
+        if parent.owner() == "root" and str(parent).startswith("/tmp/"):
+            parent.chmod(parent.stat().st_mode | 0o011)
+    return subprocess.run(command, cwd=folder.path, capture_output=True, text=True, timeout=120, user=65534,
+                          extra_groups=[], group=65534)
+
+
+def spoil(folder, what):
+    path = folder.path / CONFIGURATION
+    if what == "missing":
+        path.unlink()
+    elif what == "folder":
+        path.unlink(), path.mkdir()
+    elif what == "NUL byte":
+        folder[CONFIGURATION] += b"\0"
+    elif what == "UTF-16":
+        folder[CONFIGURATION] = folder[CONFIGURATION].decode().encode("utf-16")
+    elif what == "same path":
+        folder.names["configuration"] = "./" + SETTINGS
+    elif what == "link":
+        path.unlink(), path.symlink_to(SETTINGS)
+    elif what == "hard link":
+        path.unlink(), path.hardlink_to(folder.path / SETTINGS)
+    elif what == "pipe":
+        path.unlink(), os.mkfifo(path)
+
+
+@posix_only
+@pytest.mark.parametrize("dry", [[], ["--dry-run"]])
+@pytest.mark.parametrize("what", ["missing", "folder", "NUL byte", "UTF-16", "same path", "link", "hard link", "pipe"])
+def test_preflight_tells_every_problem(folder, what, dry):
+    spoil(folder, what)
+    (folder.path / PIPELINES).unlink()
+    (folder.path / PIPELINES).mkdir()
+    before = folder.contents() if what != "pipe" else None
+    result = folder.run("apply", *dry)
+    assert (result.returncode, result.stdout) == (3, "")
+    problems = [line for line in result.stderr.splitlines() if line.startswith("error: ")]
+    assert len(problems) == 2 and PIPELINES in problems[1], result.stderr
+    assert before is None or folder.contents() == before
+
+
+@posix_only
+def test_rights(folder):
+    for name in NAMES:
+        (folder.path / name).chmod(0o644)
+    (folder.path / SETTINGS).chmod(0o000)
+    (folder.path / CONFIGURATION).chmod(0o444)
+    if os.getuid() == 0:
+        for path in [folder.path, *folder.path.iterdir()]:
+            os.chown(path, 65534, 65534)
+    result = as_nobody(folder, folder.command("apply"))
+    assert result.returncode == 3
+    assert [name for line in result.stderr.splitlines() for name in NAMES if name in line] == [CONFIGURATION, SETTINGS]
+    (folder.path / SETTINGS).chmod(0o444)
+    dry = as_nobody(folder, folder.command("apply", "--dry-run"))
+    assert dry.returncode == 0 and dry.stderr.count("warning: ") == 2, dry.stderr
+
+
+def test_pipelines_file_is_missed_only_where_it_is_wanted(folder):
+    (folder.path / PIPELINES).unlink()
+    for arguments in (["apply"], ["apply", "--dry-run"]):
+        result = folder.run(*arguments)
+        assert result.returncode == 3 and PIPELINES in result.stderr, result.stderr
+    assert folder.run("apply", machine="no-orvex-modules").returncode == 0
+
+
+def test_existing_backup_is_never_overwritten(folder):
+    folder[SETTINGS + ".bak"] = b"precious"
+    before = folder.contents()
+    result = folder.run("apply", "--backup")
+    assert (result.returncode, folder.contents()) == (3, before)
+    assert SETTINGS + ".bak" in result.stderr
+    dry = folder.run("apply", "--backup", "--dry-run")
+    assert dry.returncode == 0 and SETTINGS + ".bak" in dry.stderr
+    # Of a file that does not change it is in nobody's way.
+    assert folder.run("apply").returncode == 0
+    assert folder.run("apply", "--backup").returncode == 0
+
+
+@posix_only
+def test_links_names_and_rights_stay(folder, applied, tmp_path_factory):
+    other = tmp_path_factory.mktemp("other")
+    os.rename(folder.path / CONFIGURATION, other / "real.xml")
+    (folder.path / CONFIGURATION).symlink_to(other / "real.xml")
+    (other / "second.xml").hardlink_to(folder.path / SETTINGS)
+    (folder.path / PIPELINES).chmod(0o640)
+    subprocess.run(["setfacl", "-m", "u:daemon:r", folder.path / PIPELINES], check=True)
+    acl = subprocess.check_output(["getfacl", "-cp", folder.path / PIPELINES])
+    original = folder[PIPELINES]
+    assert folder.run("apply", "--backup").returncode == 0
+    assert (folder.path / CONFIGURATION).is_symlink() and not (folder.path / (CONFIGURATION + ".bak")).is_symlink()
+    assert (other / "real.xml").read_bytes() == applied[CONFIGURATION]
+    assert (other / "second.xml").read_bytes() == applied[SETTINGS] == folder[SETTINGS]
+    assert (other / "second.xml").samefile(folder.path / SETTINGS)
+    for name, data in ((PIPELINES, applied[PIPELINES]), (PIPELINES + ".bak", original)):
+        assert folder[name] == data
+        assert subprocess.check_output(["getfacl", "-cp", folder.path / name]) == acl
+    assert sorted(os.listdir(other)) == ["real.xml", "second.xml"]
+
+
+@posix_only
+@pytest.mark.parametrize("room", range(4, 64, 4))
+def test_full_disk_leaves_everything_as_it_was(folder, applied, room, tmp_path_factory):
+    """On a disk with `room` KiB beside the three files: apply does all of it or nothing."""
+    script = f"""
+        mount -t tmpfs -o size={room + 40}k tmpfs {tmp_path_factory.mktemp('mounts')} && cd "$_" || exit 99
+        cp {folder.path}/*.xml . && head -c 40K /dev/zero > filler && truncate -s $((40960 - $(cat *.xml | wc -c) / 4096 * 4096)) filler
+        "$@"; code=$?
+        rm filler; cp -a . {folder.path}/; exit $code"""
+    before = folder.contents()
+    result = subprocess.run(["unshare", "--map-root-user", "--mount", "bash", "-c", script, "-", *folder.command("apply", "--backup")],
+                            capture_output=True, text=True, timeout=120)
+    assert result.returncode in (0, 3), result.stderr
+    if result.returncode == 3:
+        assert folder.contents() == before
+    else:
+        assert folder.contents() == {**{name + ".bak": data for name, data in before.items()}, **applied}
+
+
+@posix_only
+def test_second_run_on_a_file_is_refused(folder, tmp_path):
+    """The first one is held at its first rename, inside a debugger; the second comes by another path."""
+    log = tmp_path / "trace"
+    first = subprocess.Popen(["strace", "-f", "-o", log, "-e", "inject=rename,renameat,renameat2:delay_enter=2000000",
+                              *folder.command("apply")], cwd=folder.path, stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
+    try:
+        time.sleep(1)
+        link = folder.path / "link.xml"
+        link.symlink_to(SETTINGS)
+        folder.names["settings"] = "link.xml"
+        for command in (["apply"], ["restore"]):
+            result = folder.run(*command)
+            assert result.returncode == 3 and "link.xml" in result.stderr, result.stderr
+    finally:
+        assert first.wait(timeout=60) == 0
+
+
+@posix_only
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
+def test_interruption_leaves_nothing(folder, number):
+    before = folder.contents()
+    traced = subprocess.run(["strace", "-f", "-o", "/dev/null", "-e", f"inject=fsync:signal={number.name}:when=2",
+                             *folder.command("apply", "--backup")], cwd=folder.path, capture_output=True, timeout=60)
+    assert traced.returncode in (-number, 128 + number)
+    assert folder.contents() == before
