@@ -2,13 +2,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
+#include <string_view>
 
 namespace host {
 
 namespace {
 
 constexpr char DefaultBackupSuffix[] = ".bak";
+constexpr char BadSuffix[] = "--backup: the suffix must not be empty or hold a path separator";
 
 void AddCommonOptions(CLI::App& command, CommonOptions& options)
 {
@@ -88,10 +91,13 @@ std::variant<ApplyOptions, RestoreOptions, ExitCode> ReadCommandLine(int argc, c
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? Done : WrongUsage;
     }
+    // An empty value of a flag would read as none.
+    if (std::find(argv, argv + argc, std::string_view("--backup=")) != argv + argc)
+        return TellWrongUsage(BadSuffix);
     if (*apply.get_option("--backup"))
         applyOptions.backupSuffix = backupSuffix;
     if ((applyOptions.backupSuffix && !IsSuffix(*applyOptions.backupSuffix)) || !IsSuffix(restoreOptions.backupSuffix))
-        return TellWrongUsage("--backup: the suffix must not be empty or hold a path separator");
+        return TellWrongUsage(BadSuffix);
     if (applyOptions.exitCode && !applyOptions.dryRun)
         return TellWrongUsage("--exit-code goes with --dry-run");
     if (apply.parsed())

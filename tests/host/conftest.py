@@ -39,8 +39,10 @@ class Folder:
         return [*PROGRAM, arguments[0], *files, *simulated, *arguments[1:]]
 
     def run(self, *arguments, machine="laptop-spatialf", **more):
-        return subprocess.run(self.command(*arguments, machine=machine), cwd=self.path, capture_output=True, text=True,
-                              encoding="utf-8", newline="", timeout=120, **more)
+        result = subprocess.run(self.command(*arguments, machine=machine), cwd=self.path, capture_output=True,
+                                timeout=120, **more)
+        result.stdout, result.stderr = result.stdout.decode(), result.stderr.decode()
+        return result
 
     def json(self, *arguments, **more):
         """The exit code and the one object that --json prints."""

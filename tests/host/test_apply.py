@@ -79,7 +79,7 @@ def test_outcome_that_would_not_be_xml_is_refused(folder):
     folder[CONFIGURATION] = folder[CONFIGURATION].replace(start, b"<!-- a note -->" + start.replace(b"<!--", b""))
     before = folder.contents()
     result = folder.run("apply")
-    assert (result.returncode, folder.contents()) in ((1, before),)
+    assert (result.returncode, folder.contents()) == (1, before)
     assert CONFIGURATION in result.stderr
 
 
