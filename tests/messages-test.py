@@ -88,10 +88,12 @@ def library_messages(sources, problems):
 
 
 def host_messages(host):
+    """Texts that are handed on (they read as VARYING alone) are somebody else's."""
     warnings = re.search(r"\bTexts\{(.*?)\n\};", read(host / "review/Warnings.cpp"), re.DOTALL).group(1)
     yield from (text_of(row) for row in arguments(warnings + ")", 0) if row.strip())
     for file in (host / "commands").glob("*.cpp"):
-        yield from (text_of(given[0]) for given in calls(read(file), r"warnings\.push_back"))
+        told = [text_of(given[0]) for given in calls(read(file), r"warnings\.push_back")]
+        yield from (text for text in told if text != VARYING)
     checks = [text_of(given[1]) for given in calls(read(host / "review/OutcomeChecks.cpp"), "Told")]
     files = re.findall(rf"\bMessage \w+\{{({LITERAL})", read(host / "files/Messages.h"))
     yield from (f"{VARYING}: {text}" for text in checks + [text_of(what) for what in files] if text != VARYING)
