@@ -2,17 +2,22 @@
 command finishes the work."""
 
 import os
-import pathlib
-import shutil
 import signal
 import subprocess
 
 import pytest
+from conftest import NAMES, PROGRAM
 
-PROJECT = pathlib.Path(__file__).parents[2]
-PROGRAM = os.environ.get("QOVXML_CONFIGURE", PROJECT / "build/native/qovxml-configure")
-OPTIONS = {"--configuration": "QovConfiguration.xml", "--settings": "QovSettings.xml",
-           "--pipelines": "ApoPipelinesDefinition.xml"}
+pytestmark = pytest.mark.skipif("QOVXML_LAUNCHER" in os.environ, reason="strace looks at Linux programs")
+
+# Short, for every line is a write.
+BLOCKS = ["OrvexZan_Lfx_Mfx_Apo", "OrvexZan_Sfx_Apo", "OrvexZan_Efx_Apo", "OrvexZan_SPATIALF"]
+LINES = {
+    "QovConfiguration.xml": ['<M A="DeviceId:old" B=""/>', '<M A="EndpointName:old"/>',
+                             *(f'<ParameterBlock N="{name}"></ParameterBlock>' for name in BLOCKS)],
+    "QovSettings.xml": [f'<ConfigurableDomain N="{name}"></ConfigurableDomain>' for name in BLOCKS],
+    "ApoPipelinesDefinition.xml": ['<M A="ModuleGuid:old"/>', '<T N="Subeffects_DefaultMode" A="ParamId:old"/>',
+                                   '<T N="Subeffects_SpeechMode" A="ParamId:old"/>']}
 CHANGING = ["mkdir", "write", "pwrite64", "fchmod", "flock", "fsync", "ftruncate", "rename", "renameat2", "unlink",
             "unlinkat", "rmdir"]
 REFUSED = {"pwrite64": "ENOSPC", "fchmod": "EPERM", "flock": "ENOLCK", "fsync": "EIO", "ftruncate": "EIO", "rename": "EIO",
@@ -20,29 +25,29 @@ REFUSED = {"pwrite64": "ENOSPC", "fchmod": "EPERM", "flock": "ENOLCK", "fsync": 
 
 
 class Files:
-    """The three example files in a folder of their own; with other names, each must be rewritten in place."""
+    """The three files in a folder of their own; with other names, each must be rewritten in place."""
 
     def __init__(self, folder, names=1):
         self.folder = folder / "files"
         self.temporary = folder / "tmp"
         self.temporary.mkdir(parents=True)
         self.folder.mkdir()
-        for name in OPTIONS.values():
-            shutil.copy(PROJECT / "examples/xml" / name, self.folder)
+        for name, lines in LINES.items():
+            (self.folder / name).write_text("\r\n".join(["<Q>", *lines, "</Q>", ""]), newline="")
             if names > 1:
                 os.link(self.folder / name, folder / name)
         self.old = self.contents()
 
     def contents(self):
-        return {name: (self.folder / name).read_bytes() for name in OPTIONS.values()}
+        return {name: (self.folder / name).read_bytes() for name in LINES}
 
     def names(self):
         return {path.name for path in self.folder.iterdir()}
 
     def run(self, *options, command="apply", inject=None):
-        arguments = [PROGRAM, command, "--example-machine", "--quiet", *options]
-        for option, name in OPTIONS.items():
-            arguments += [option, name]
+        arguments = [*PROGRAM, command, "--example-machine", "--quiet", *options]
+        for role, name in NAMES.items():
+            arguments += [f"--{role}", name]
         if inject:
             arguments = ["strace", "-f", "-o", os.devnull, "-e", f"inject={inject}", *arguments]
         return subprocess.run(arguments, cwd=self.folder, env={**os.environ, "TMPDIR": str(self.temporary)},
@@ -61,7 +66,7 @@ class Files:
 
     def check_finished(self, new, beside=frozenset()):
         assert self.contents() == new
-        assert self.names() == set(OPTIONS.values()) | set(beside)
+        assert self.names() == set(LINES) | set(beside)
         assert list(self.temporary.iterdir()) == []
 
 
@@ -98,7 +103,7 @@ def test_killed_apply_is_finished_by_the_next(call, names, tmp_path, new):
 @pytest.mark.parametrize("names", [1, 2])
 @pytest.mark.parametrize("call", CHANGING)
 def test_killed_apply_leaves_whole_backups(call, names, tmp_path, new):
-    backups = {name + ".bak" for name in OPTIONS.values()}
+    backups = {name + ".bak" for name in LINES}
     for files, ended in each_call(call, "signal=SIGKILL", tmp_path, names, "--backup"):
         files.check_whole(new)
         left = files.names() & backups
@@ -130,7 +135,7 @@ def test_killed_restore_is_finished_by_the_next(call, names, tmp_path, new):
 @pytest.mark.parametrize("call", CHANGING)
 def test_interrupted_apply_changes_nothing_or_all(call, names, tmp_path, new):
     for files, ended in each_call(call, "signal=SIGTERM", tmp_path, names, "--backup"):
-        backups = {name + ".bak" for name in OPTIONS.values()}
+        backups = {name + ".bak" for name in LINES}
         if ended.returncode == 0 or files.contents() == new:
             files.check_finished(new, backups)
         else:
@@ -143,7 +148,7 @@ def test_interrupted_apply_changes_nothing_or_all(call, names, tmp_path, new):
 def test_refused_call_changes_nothing(call, names, tmp_path, new):
     for files, ended in each_call(call, f"error={REFUSED[call]}", tmp_path, names, "--backup"):
         if ended.returncode == 0:
-            files.check_finished(new, {name + ".bak" for name in OPTIONS.values()})
+            files.check_finished(new, {name + ".bak" for name in LINES})
         else:
             assert ended.returncode in (1, 3) and ended.stderr
             files.check_finished(files.old)
