@@ -123,7 +123,7 @@ public:
         const json group = names_.Resolved(Parsed(name + ".json"));
         for (const auto& [caseName, content] : group.at("cases").items()) {
             try {
-                cases.push_back(Worked(Inherited(group, content), group.value("machine", "")));
+                cases.push_back(Worked(Inherited(group, content), group));
             } catch (const std::exception& failure) {
                 throw std::runtime_error(name + ".json: " + caseName + ": " + failure.what());
             }
@@ -142,14 +142,14 @@ private:
         }
     }
 
-    // A case with what it takes over from the one that it names: its machine is patched further, the rest is replaced.
+    // A case with what it takes over from the one that it is like: its machine is patched further, the rest is replaced.
     static json Inherited(const json& group, const json& content)
     {
         if (!content.contains("like"))
             return content;
         json inherited = Inherited(group, group.at("cases").at(content.at("like").get<std::string>()));
         for (const auto& [name, member] : content.items()) {
-            if (name == "machine" && inherited.contains(name))
+            if (name == "machine" && inherited.contains(name) && member.is_array())
                 inherited[name].insert(inherited[name].end(), member.begin(), member.end());
             else
                 inherited[name] = member;
@@ -165,10 +165,15 @@ private:
         return Instead(OutcomeLog(outcomes_.at(outcome.at("as").get<std::string>())), outcome.at("instead"));
     }
 
+    // The base with what differs from it, as JSON Merge Patch or JSON Patch.
     [[nodiscard]] json Machine(const json& content, const std::string& base) const
     {
-        const json machine = names_.Resolved(Parsed(content.value("base", base)));
-        return machine.patch(content.value("machine", json::array()));
+        json machine = Parsed(content.value("base", base));
+        const json difference = content.value("machine", json::object());
+        if (difference.is_array())
+            return machine.patch(difference);
+        machine.merge_patch(difference);
+        return machine;
     }
 
     void WorkOutFiles(const json& content, const json& outcome, ScenarioCase& worked) const
@@ -188,7 +193,8 @@ private:
         }
     }
 
-    [[nodiscard]] ScenarioCase Worked(const json& content, const std::string& base) const
+    // The machine and the outcome of the group serve its cases that name none; what throws has no outcome.
+    [[nodiscard]] ScenarioCase Worked(const json& content, const json& group) const
     {
         static const std::vector<std::string> known = {"about", "like",  "base",    "machine", "before", "throws",
                                                        "log",   "never", "outcome", "instead", "after"};
@@ -196,7 +202,7 @@ private:
             if (std::find(known.begin(), known.end(), name) == known.end())
                 throw std::runtime_error("no such member: " + name);
         ScenarioCase worked;
-        const json machine = Machine(content, base);
+        const json machine = Machine(content, group.at("machine"));
         worked.suite = Suite(machine);
         worked.machine = machine.dump();
         worked.about = content.at("about");
@@ -204,8 +210,8 @@ private:
         worked.neverLogged = Messages(content.value("never", json::array()));
         worked.log = Messages(content.value("log", json::array({"..."})));
         json outcome = json::object();
-        if (content.contains("outcome")) {
-            outcome = outcomes_.at(content.at("outcome").get<std::string>());
+        if (!content.contains("throws")) {
+            outcome = outcomes_.at(content.value("outcome", group.value("outcome", "")));
             const auto log = Instead(OutcomeLog(outcome), content.value("instead", json::object()));
             worked.log.insert(worked.log.end(), log.begin(), log.end());
         }
