@@ -20,7 +20,8 @@ std::string Lowered(std::string text)
     return text;
 }
 
-// What "${name}" stands for. A name in small letters, when it is not there itself, stands for the text in small letters.
+// What "${name}" stands for. A name in small letters, when it is not there itself, stands for the text in small
+// letters.
 class Names {
 public:
     explicit Names(const json& table) : table_(table) {}
@@ -142,7 +143,8 @@ private:
         }
     }
 
-    // A case with what it takes over from the one that it is like: its machine is patched further, the rest is replaced.
+    // A case with what it takes over from the one that it is like: its machine is patched further, the rest is
+    // replaced.
     static json Inherited(const json& group, const json& content)
     {
         if (!content.contains("like"))
@@ -196,8 +198,8 @@ private:
     // The machine and the outcome of the group serve its cases that name none; what throws has no outcome.
     [[nodiscard]] ScenarioCase Worked(const json& content, const json& group) const
     {
-        static const std::vector<std::string> known = {"about", "like",  "base",    "machine", "before", "throws",
-                                                       "log",   "never", "outcome", "instead", "after"};
+        static const std::vector<std::string> known = {"about",  "like", "base",    "machine", "before",
+                                                       "throws", "log",  "outcome", "instead", "after"};
         for (const auto& [name, member] : content.items())
             if (std::find(known.begin(), known.end(), name) == known.end())
                 throw std::runtime_error("no such member: " + name);
@@ -207,7 +209,6 @@ private:
         worked.machine = machine.dump();
         worked.about = content.at("about");
         worked.failure = content.value("throws", "(nothing thrown)");
-        worked.neverLogged = Messages(content.value("never", json::array()));
         worked.log = Messages(content.value("log", json::array({"..."})));
         json outcome = json::object();
         if (!content.contains("throws")) {

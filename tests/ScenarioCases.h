@@ -19,8 +19,7 @@ struct ScenarioCase {
     std::string failure;  // "(nothing thrown)" for a run that completes
     FileBytes before;
     FileBytes after;
-    std::vector<std::string> log;         // with gaps; a warning begins with "[warning] "
-    std::vector<std::string> neverLogged;
+    std::vector<std::string> log;  // with gaps; a warning begins with "[warning] "
 };
 
 // Throws std::runtime_error with the file and the case when one cannot be understood.

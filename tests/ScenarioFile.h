@@ -12,9 +12,9 @@ class ScenarioFile {
 public:
     explicit ScenarioFile(const std::string& bytes);
 
-    // null: there is no such file; a text: its bytes as they stand; a list: its lines; an object: the lines that differ by
-    // their numbers, null for one that is left out, a list for several in its place, and in "with" the names of edits of
-    // `edits`, each such an object. Each character is a byte; each line ends with CR LF.
+    // null: there is no such file; a text: its bytes as they stand; a list: its lines; an object: the lines that differ
+    // by their numbers, null for one that is left out, a list for several in its place, and in "with" the names of
+    // edits of `edits`, each such an object. Each character is a byte; each line ends with CR LF.
     void Apply(const nlohmann::json& difference, const nlohmann::json& edits);
 
     [[nodiscard]] std::optional<std::string> Bytes() const;
