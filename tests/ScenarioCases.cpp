@@ -112,16 +112,16 @@ std::vector<std::string> Instead(const std::vector<std::string>& messages, const
 
 class Reader {
 public:
-    explicit Reader(const fs::path& folder) : folder_(folder), names_(Parsed("names.json"))
+    explicit Reader(const fs::path& folder) : folder_(folder), names_(json::parse(ReadBytes(folder / "names.json")))
     {
-        const json shared = names_.Resolved(Parsed("outcomes.json"));
+        const json shared = Parsed("outcomes.json");
         edits_ = shared.at("edits");
         outcomes_ = shared.at("outcomes");
     }
 
     void ReadGroup(const std::string& name, std::vector<ScenarioCase>& cases) const
     {
-        const json group = names_.Resolved(Parsed(name + ".json"));
+        const json group = Parsed(name + ".json");
         for (const auto& [caseName, content] : group.at("cases").items()) {
             try {
                 cases.push_back(Worked(Inherited(group, content), group));
@@ -137,8 +137,8 @@ private:
     [[nodiscard]] json Parsed(const std::string& name) const
     {
         try {
-            return json::parse(ReadBytes(folder_ / name));
-        } catch (const json::exception& failure) {
+            return names_.Resolved(json::parse(ReadBytes(folder_ / name)));
+        } catch (const std::exception& failure) {
             throw std::runtime_error(name + ": " + failure.what());
         }
     }

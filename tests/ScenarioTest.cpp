@@ -57,7 +57,8 @@ public:
                                 {FileName(0), FileName(1), FileName(2)});
 
         EXPECT_EQ(outcome.failure.value_or("(nothing thrown)"), scenario_.failure);
-        EXPECT_EQ(LogDifference(scenario_.log, LogOf(outcome)), "");
+        if (const std::string difference = LogDifference(scenario_.log, LogOf(outcome)); !difference.empty())
+            ADD_FAILURE() << difference;
         for (std::size_t index = 0; index < ScenarioFiles.size(); ++index)
             EXPECT_EQ(outcome.files[index].after.value_or("(no file)"), scenario_.after[index].value_or("(no file)"))
                 << FileName(index);
