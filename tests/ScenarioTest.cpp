@@ -1,73 +1,22 @@
-// Whole runs as data: every folder of tests/scenarios/ is a machine, the three files before, and the files, the log and
-// the message after. They go through the public face alone.
-#include "QovXml.h"
+// The whole runs of tests/scenarios/, through the public face alone.
+#include "LogPattern.h"
+#include "ScenarioCases.h"
 #include "machine/MachineJson.h"
 #include "machine/Utf16.h"
-#include "simulation/SimulatedMachine.h"
-#include "support/Failures.h"
-#include "support/RecordingLogger.h"
+#include "rehearsal/Rehearsal.h"
 #include "support/Scratch.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
-#include <algorithm>
+#include <cerrno>
 #include <filesystem>
-#include <memory>
+#include <utility>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* FileNames[] = {"configuration.xml", "settings.xml", "pipelines.xml"};
-
-std::vector<fs::path> Scenarios()
-{
-    std::vector<fs::path> folders;
-    for (const auto& entry : fs::directory_iterator(QOVXML_SCENARIOS))
-        folders.push_back(entry.path());
-    std::sort(folders.begin(), folders.end());
-    return folders;
-}
-
-// One message of the log as the scenarios write it.
-std::string Expected(const nlohmann::json& entry)
-{
-    if (entry.is_object())
-        return "[warning] " + entry.at("warning").get<std::string>();
-    if (entry.is_string())
-        return entry.get<std::string>();
-    std::string joined;
-    for (const auto& line : entry)
-        joined += line.get<std::string>() + "\n";
-    joined.pop_back();
-    return joined;
-}
-
-std::vector<std::string> ExpectedLog(const nlohmann::json& log)
-{
-    std::vector<std::string> messages;
-    std::transform(log.begin(), log.end(), std::back_inserter(messages), Expected);
-    return messages;
-}
-
-std::vector<std::string> ActualLog(const RecordingLogger& logger)
-{
-    std::vector<std::string> messages;
-    for (const auto& [level, message] : logger.messages)
-        messages.push_back((level == LogLevel::Warning ? "[warning] " : "") + machine::Utf16ToUtf8(message));
-    return messages;
-}
-
-// The log line by line, so that a difference shows as the lines that differ.
-std::string Lines(const std::vector<std::string>& messages)
-{
-    std::string lines;
-    for (const std::string& message : messages)
-        lines += "> " + message + "\n";
-    return lines;
-}
-
+// Messages name the files as they are given: without the folder of a test.
 class WorkingFolder {
 public:
     explicit WorkingFolder(const fs::path& folder) : before_(fs::current_path()) { fs::current_path(folder); }
@@ -79,43 +28,54 @@ private:
     fs::path before_;
 };
 
-class ScenarioTest : public testing::TestWithParam<fs::path> {};
+std::string FileName(std::size_t index) { return std::string(ScenarioFiles[index]) + ".xml"; }
 
-TEST_P(ScenarioTest, RunsAsDescribed)
+std::vector<std::string> LogOf(const rehearsal::Outcome& outcome)
 {
-    const fs::path& scenario = GetParam();
-    const auto expected = nlohmann::json::parse(ReadBytes(scenario / "scenario.json"));
-    ScratchFolder scratch;
-    if (fs::exists(scenario / "before"))
-        fs::copy(scenario / "before", scratch.Folder());
-    const WorkingFolder working(scratch.Folder());
-
-    RecordingLogger logger;
-    std::string message;
-    {
-        std::vector<std::unique_ptr<UnwritableFile>> unwritable;
-        for (const auto& name : expected.value("unwritable", nlohmann::json::array()))
-            unwritable.push_back(std::make_unique<UnwritableFile>(name.get<std::string>()));
-        const simulation::SimulatedMachine machine(machine::ReadMachine((scenario / "machine.json").string()));
-        message = MessageOf([&] { QovXml::ConfigureQovXmls({FileNames[0], FileNames[1], FileNames[2]}, logger); });
-    }
-
-    EXPECT_EQ(message, expected.value("throws", "(nothing thrown)"));
-    EXPECT_EQ(Lines(ActualLog(logger)), Lines(ExpectedLog(expected.at("log"))));
-    for (const char* const name : FileNames) {
-        SCOPED_TRACE(name);
-        const fs::path after = scenario / "after" / name;
-        ASSERT_EQ(fs::exists(name), fs::exists(after));
-        if (fs::exists(after)) {
-            EXPECT_EQ(ReadBytes(name), ReadBytes(after));
-        }
-    }
+    std::vector<std::string> log;
+    for (const rehearsal::Event& event : outcome.events)
+        if (const auto* const message = std::get_if<rehearsal::LogMessage>(&event))
+            log.push_back((message->level == LogLevel::Warning ? "[warning] " : "") +
+                          machine::Utf16ToUtf8(message->text));
+    return log;
 }
 
-INSTANTIATE_TEST_SUITE_P(Whole, ScenarioTest, testing::ValuesIn(Scenarios()), [](const auto& scenario) {
-    std::string name = scenario.param.filename().string();
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-});
+class ScenarioTest : public testing::Test {
+public:
+    explicit ScenarioTest(ScenarioCase scenario) : scenario_(std::move(scenario)) {}
+
+    void TestBody() override
+    {
+        const ScratchFolder scratch;
+        const WorkingFolder working(scratch.Folder());
+        for (std::size_t index = 0; index < ScenarioFiles.size(); ++index)
+            if (scenario_.before[index])
+                WriteBytes(FileName(index), *scenario_.before[index]);
+
+        errno = ERANGE;  // what an earlier failure left behind is none of the run's business
+        const rehearsal::Outcome outcome =
+            rehearsal::Rehearse(machine::ParseMachine(scenario_.machine, scenario_.suite + "." + scenario_.name),
+                                {FileName(0), FileName(1), FileName(2)});
+
+        EXPECT_TRUE(outcome.unusedFaults.empty()) << "a fault that no call met";
+        EXPECT_EQ(outcome.failure.value_or("(nothing thrown)"), scenario_.failure);
+        if (const std::string difference = LogDifference(scenario_.log, LogOf(outcome)); !difference.empty())
+            ADD_FAILURE() << difference;
+        for (std::size_t index = 0; index < ScenarioFiles.size(); ++index)
+            EXPECT_EQ(outcome.files[index].after.value_or("(no file)"), scenario_.after[index].value_or("(no file)"))
+                << FileName(index);
+    }
+
+private:
+    ScenarioCase scenario_;
+};
+
+// Names like "Windows10/Validation.two_mfx": where the case can run, the file that holds it, and the case.
+[[maybe_unused]] const bool registered = [] {
+    for (const ScenarioCase& scenario : ReadScenarioCases(QOVXML_SCENARIOS))
+        testing::RegisterTest(scenario.suite.c_str(), scenario.name.c_str(), nullptr, scenario.about.c_str(), __FILE__,
+                              __LINE__, [scenario]() -> ScenarioTest* { return new ScenarioTest(scenario); });
+    return true;
+}();
 
 }  // namespace
