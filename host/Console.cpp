@@ -2,7 +2,7 @@
 
 #include "host/CommandLine.h"
 #include "host/Terminal.h"
-#include "machine/Utf16.h"
+#include "host/review/ShownText.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -47,7 +47,7 @@ void Console::LibraryLog(const std::vector<rehearsal::LogMessage>& log) const
 {
     if (verbose_)
         for (const rehearsal::LogMessage& message : log)
-            std::cerr << LogLine(message) << '\n';
+            std::cerr << HarmlessLines(LogLine(message)) << '\n';
 }
 
 void Console::Warning(const std::string& text) const { Tell("warning: ", Yellow, coloursOnError_, text); }
@@ -90,7 +90,7 @@ bool Console::OutputWritten() const { return static_cast<bool>(std::cout.flush()
 
 std::string LogLine(const rehearsal::LogMessage& message)
 {
-    return (message.level == LogLevel::Warning ? "[warning] " : "[info] ") + machine::Utf16ToUtf8(message.text);
+    return (message.level == LogLevel::Warning ? "[warning] " : "[info] ") + LogText(message.text);
 }
 
 }  // namespace host

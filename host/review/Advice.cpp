@@ -37,6 +37,7 @@ constexpr std::string_view CommentByHand =
 constexpr std::string_view RestoreValue =
     "Put the file back from its package, or add the line: the tag, a value and a double quote must stand on one line.";
 
+// NOLINTBEGIN(modernize-raw-string-literal): every row is written the same way
 constexpr Advice Table[] = {
     // Entry and endpoints.
     {"Failed to initialize COM interface",
@@ -103,6 +104,7 @@ constexpr Advice Table[] = {
     {"Cannot * block \"*\": line * does not end with \"-->\"", CommentByHand},
     {"Cannot * block \"*\": line * holds a further comment marker", CommentByHand},
 };
+// NOLINTEND(modernize-raw-string-literal)
 
 // Whether the text begins as the pattern does, each "*" standing for any text.
 bool Fits(std::string_view text, std::string_view pattern)

@@ -2,6 +2,7 @@
 
 #include "host/review/Lines.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace host {
@@ -41,10 +42,9 @@ std::vector<LineChange> LineChanges(const std::string& before, const std::string
 
 bool HasBareLineFeed(const std::string& bytes)
 {
-    for (const std::string_view line : SplitLines(bytes))
-        if (line.ends_with('\n') && !line.ends_with("\r\n"))
-            return true;
-    return false;
+    const Lines lines = SplitLines(bytes);
+    return std::any_of(lines.begin(), lines.end(),
+                       [](std::string_view line) { return line.ends_with('\n') && !line.ends_with("\r\n"); });
 }
 
 }  // namespace host

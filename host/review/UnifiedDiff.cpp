@@ -64,7 +64,7 @@ std::string Hunk(const Lines& before, const Lines& after, Iterator first, Iterat
     std::string hunk = "@@ -" + Range(beforeStart, lastEnd + trail - beforeStart) + " +" +
                        Range(afterStart, last.afterStart + last.afterCount + trail - afterStart) + " @@\n";
     std::size_t done = beforeStart;
-    for (Iterator difference = first; difference != end; ++difference) {
+    for (auto difference = first; difference != end; ++difference) {
         AppendLines(hunk, ' ', before, done, difference->beforeStart);
         done = difference->beforeStart + difference->beforeCount;
         AppendLines(hunk, '-', before, difference->beforeStart, done);
@@ -86,8 +86,8 @@ std::string UnifiedDiff(const std::string& path, const std::string& before, cons
 
     const std::string name = QuotedName(path);
     std::string diff = "--- " + name + "\n+++ " + name + "\n";
-    for (Iterator first = differences.begin(); first != differences.end();) {
-        Iterator end = first + 1;
+    for (auto first = differences.begin(); first != differences.end();) {
+        auto end = first + 1;
         while (end != differences.end() &&
                end->beforeStart - ((end - 1)->beforeStart + (end - 1)->beforeCount) <= 2 * Context)
             ++end;

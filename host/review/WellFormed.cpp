@@ -115,7 +115,8 @@ void BlankEntities(std::string& text, std::size_t start)
     }
 }
 
-// The document type goes, so that no parser meets what it would fetch or unfold. The fault is that it has no end.
+// The document type becomes an empty comment, so that no parser meets what it would fetch or unfold. The fault is that
+// it has no end.
 std::optional<XmlFault> BlankDocumentType(std::string& text)
 {
     const std::size_t start = DocumentTypeStart(text);
@@ -127,6 +128,8 @@ std::optional<XmlFault> BlankDocumentType(std::string& text)
         return XmlFault{static_cast<std::size_t>(line), "the document type declaration has no end"};
     }
     Blank(text, start, end);
+    text.replace(start, 4, "<!--");
+    text.replace(end - 3, 3, "-->");
     BlankEntities(text, end);
     return std::nullopt;
 }

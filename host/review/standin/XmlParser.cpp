@@ -17,6 +17,12 @@ struct ParserFreer {
 };
 using ParserPtr = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserFreer>;
 
+// The one that a document may have has been taken out.
+void RefuseDocumentType(void* parser, const XML_Char*, const XML_Char*, const XML_Char*, int)
+{
+    XML_StopParser(static_cast<XML_Parser>(parser), XML_FALSE);
+}
+
 constexpr std::size_t ChunkSize = 1U << 20;
 
 }  // namespace
@@ -26,6 +32,8 @@ std::optional<XmlFault> ParserFault(const std::string& document)
     const ParserPtr parser(XML_ParserCreate("UTF-8"));
     if (!parser)
         throw std::bad_alloc();
+    XML_UseParserAsHandlerArg(parser.get());
+    XML_SetStartDoctypeDeclHandler(parser.get(), RefuseDocumentType);
     std::string_view rest = document;
     bool last = false;
     while (!last) {

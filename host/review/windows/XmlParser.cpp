@@ -6,7 +6,7 @@
 #include <shlwapi.h>
 #include <xmllite.h>
 
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <stdexcept>
@@ -30,6 +30,7 @@ public:
 
     Interface* operator->() const { return object_; }
     [[nodiscard]] Interface* Get() const { return object_; }
+    Interface** Put() { return &object_; }
     void** PutVoid() { return reinterpret_cast<void**>(&object_); }
 
 private:
@@ -37,14 +38,14 @@ private:
 };
 
 // Every Windows has it; not every toolchain has a library to link it by.
-using CreateReader = HRESULT(STDAPICALLTYPE*)(REFIID, void**, IMalloc*);
-CreateReader XmlLite()
+template <class Function>
+Function* XmlLite(const char* name)
 {
     static const HMODULE library = LoadLibraryExW(L"xmllite.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-    const FARPROC create = library != nullptr ? GetProcAddress(library, "CreateXmlReader") : nullptr;
-    if (create == nullptr)
+    const FARPROC function = library != nullptr ? GetProcAddress(library, name) : nullptr;
+    if (function == nullptr)
         throw std::runtime_error("Windows' XML parser (xmllite.dll) cannot be loaded");
-    return reinterpret_cast<CreateReader>(reinterpret_cast<void*>(create));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(function));
 }
 
 struct Reason {
@@ -70,6 +71,7 @@ constexpr Reason Reasons[] = {
     {WC_E_LEADINGXML, "the XML declaration does not stand at the beginning"},
     {WC_E_XMLDECL, "the XML declaration is wrong"},
     {WC_E_UNDECLAREDENTITY, "an undeclared entity"},
+    {WC_E_DTDPROHIBITED, "a second document type declaration"},
     {WC_E_CDSECTEND, "\"]]>\" within text"},
 };
 
@@ -89,6 +91,34 @@ void Check(HRESULT result)
         throw std::runtime_error("Windows' XML parser cannot be used: " + ReasonOf(result));
 }
 
+// One root element with everything but white space, comments and instructions inside it: not every reader looks at
+// that.
+class Structure {
+public:
+    // False for a node that must not stand where it does.
+    bool Take(XmlNodeType type, bool empty)
+    {
+        if (type == XmlNodeType_Element) {
+            if (depth_ == 0 && hasRoot_)
+                return false;
+            hasRoot_ = true;
+            depth_ += empty ? 0 : 1;
+        } else if (type == XmlNodeType_EndElement) {
+            if (depth_ == 0)
+                return false;
+            --depth_;
+        } else if (type == XmlNodeType_Text || type == XmlNodeType_CDATA) {
+            return depth_ > 0;
+        }
+        return true;
+    }
+    [[nodiscard]] bool IsWhole() const { return hasRoot_ && depth_ == 0; }
+
+private:
+    bool hasRoot_ = false;
+    std::size_t depth_ = 0;
+};
+
 }  // namespace
 
 std::optional<XmlFault> ParserFault(const std::string& document)
@@ -99,20 +129,30 @@ std::optional<XmlFault> ParserFault(const std::string& document)
         SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
     if (stream.Get() == nullptr)
         throw std::bad_alloc();
+    Owner<IUnknown> input;
+    Check(XmlLite<decltype(CreateXmlReaderInputWithEncodingName)>("CreateXmlReaderInputWithEncodingName")(
+        stream.Get(), nullptr, L"UTF-8", FALSE, nullptr, input.Put()));
     Owner<IXmlReader> reader;
-    Check(XmlLite()(__uuidof(IXmlReader), reader.PutVoid(), nullptr));
+    Check(XmlLite<decltype(CreateXmlReader)>("CreateXmlReader")(__uuidof(IXmlReader), reader.PutVoid(), nullptr));
     Check(reader->SetProperty(XmlReaderProperty_MaxElementDepth, std::numeric_limits<INT>::max()));
-    Check(reader->SetInput(stream.Get()));
+    Check(reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit));
+    Check(reader->SetInput(input.Get()));
+    // A document has no more nodes than bytes; a parser that goes on has lost its way.
     HRESULT result = S_OK;
-    while (result == S_OK) {
+    Structure structure;
+    for (std::size_t left = document.size() + 1; result == S_OK && left > 0; --left) {
         XmlNodeType type = XmlNodeType_None;
         result = reader->Read(&type);
+        if (result == S_OK && !structure.Take(type, reader->IsEmptyElement() != FALSE))
+            result = static_cast<HRESULT>(WC_E_ROOTELEMENT);
     }
-    if (SUCCEEDED(result))
+    if (result == S_FALSE && structure.IsWhole())
         return std::nullopt;
+    if (SUCCEEDED(result))
+        result = static_cast<HRESULT>(result == S_FALSE ? MX_E_INPUTEND : WC_E_SYNTAX);
     UINT line = 0;
     (void)reader->GetLineNumber(&line);
-    return XmlFault{line, ReasonOf(result)};
+    return XmlFault{std::max<std::size_t>(line, 1), ReasonOf(result)};
 }
 
 }  // namespace host
