@@ -21,7 +21,7 @@ using nlohmann::ordered_json;
 
 WindowsVersion ReadVersion(const JsonPlace& place)
 {
-    constexpr const char* Kind = "a text \"major.minor\", like \"10.0\"";
+    constexpr const char* Kind = R"(a text "major.minor", like "10.0")";
     const std::string text = place.Text(Kind);
     const std::size_t point = std::min(text.find('.'), text.size());
     const std::string major = text.substr(0, point);

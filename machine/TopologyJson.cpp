@@ -105,7 +105,7 @@ TopologyDescription ReadTopology(const JsonPlace& place, Connections& connection
     place.Optional("signalPaths", topology.signalPaths,
                    ListOf(Unique(readPath, paths, "is an earlier signal path too")));
     for (const auto& [neighbourPlace, localId] : neighbours)
-        if (known && ids.count(localId) == 0)
+        if (known && !ids.contains(localId))
             neighbourPlace.Note("is no part of this topology");
     return topology;
 }
