@@ -234,8 +234,9 @@ protected:
         const std::string rest = Discovery(whole.log.substr(next));
         EXPECT_EQ(run.failure, "");
         EXPECT_TRUE(Discovery(run.log).ends_with(rest));
-        if (effect == SkipsEndpoint || effect == SkipsPin)
+        if (effect == SkipsEndpoint || effect == SkipsPin) {
             EXPECT_EQ(Discovery(run.log).size(), at.logged + rest.size());
+        }
 
         const bool loses = effect == SkipsEndpoint || effect == SkipsPin || effect == LosesModules;
         const std::string ended = loses ? whole.log.substr(at.logged, end - at.logged) : "";
