@@ -1,12 +1,9 @@
-// Repeats a run on the richest example machine with every single platform call failing in turn, and compares the
-// outcome with what that failure must come to.
-#include "QovXml.h"
+// Rehearses the richest example machine with every single platform call failing in turn, and compares the outcome with
+// what that failure must come to. The messages of the whole run, in which nothing fails, tell what a call is made for.
 #include "machine/MachineJson.h"
-#include "simulation/SimulatedMachine.h"
-#include "support/Failures.h"
+#include "machine/Utf16.h"
+#include "rehearsal/Rehearsal.h"
 #include "support/Holdings.h"
-#include "support/RecordingLogger.h"
-#include "support/Scratch.h"
 
 #include <gtest/gtest.h>
 
@@ -16,269 +13,285 @@
 
 namespace {
 
+using machine::MachineDescription;
+using simulation::CallRecord;
 using Files = std::vector<std::string>;
 
-constexpr const char* FileNames[] = {"QovConfiguration.xml", "QovSettings.xml", "ApoPipelinesDefinition.xml"};
+std::string TextOf(const rehearsal::LogMessage& message) { return machine::Utf16ToUtf8(message.text) + "\n"; }
 
-struct Outcome {
-    std::string message;
-    std::vector<std::wstring> log;
-    Files files;
-    std::vector<simulation::CallRecord> calls;
-
-    // The report's count of a kind of modules; -1 where the run did not come to it.
-    [[nodiscard]] int Modules(const std::wstring& kind) const
-    {
-        const std::wstring label = L"Discovered " + kind + L" audio module(s) count: ";
-        for (const std::wstring& entry : log)
-            if (const auto found = entry.find(label); found != std::wstring::npos)
-                return std::stoi(entry.substr(found + label.size()));
-        return -1;
-    }
+struct Rehearsed {
+    std::string failure;  // empty: it completed
+    std::vector<rehearsal::Event> events;
+    std::string log;
+    Files before;
+    Files after;
 };
 
-Files ExampleFiles()
+const MachineDescription& ExampleMachine()
 {
-    Files files;
-    for (const char* const name : FileNames)
-        files.push_back(ReadBytes(std::string(QOVXML_EXAMPLES) + "/xml/" + name));
-    return files;
+    static const auto machine = machine::ReadMachine(QOVXML_EXAMPLES "/machines/laptop-spatialf.json");
+    return machine;
 }
 
-machine::MachineDescription ExampleMachine()
+Rehearsed Rehearse(const MachineDescription& machine)
 {
-    return machine::ReadMachine(QOVXML_EXAMPLES "/machines/laptop-spatialf.json");
-}
+    const auto held = CurrentHoldings();
+    const std::string xml = QOVXML_EXAMPLES "/xml/";
+    const rehearsal::Outcome outcome = rehearsal::Rehearse(
+        machine, {xml + "QovConfiguration.xml", xml + "QovSettings.xml", xml + "ApoPipelinesDefinition.xml"});
+    EXPECT_EQ(CurrentHoldings(), held);
+    EXPECT_TRUE(outcome.unusedFaults.empty());
 
-Outcome RunExample(const machine::MachineDescription& description)
-{
-    const ScratchFolder scratch;
-    const Files before = ExampleFiles();
-    for (std::size_t index = 0; index < before.size(); ++index)
-        WriteBytes(scratch.Path(FileNames[index]), before[index]);
-    RecordingLogger logger;
-    Outcome outcome;
-    {
-        const simulation::SimulatedMachine machine(description);
-        outcome.message = MessageOf([&] {
-            QovXml::ConfigureQovXmls(
-                {scratch.Path(FileNames[0]), scratch.Path(FileNames[1]), scratch.Path(FileNames[2])}, logger);
-        });
-        outcome.calls = machine.Calls();
+    Rehearsed run{outcome.failure.value_or(""), outcome.events, {}, {}, {}};
+    for (const rehearsal::LogMessage& message : rehearsal::Log(outcome))
+        run.log += TextOf(message);
+    for (const rehearsal::FileOutcome& file : outcome.files) {
+        run.before.push_back(file.before.value());
+        run.after.push_back(file.after.value());
     }
-    outcome.log = logger.Texts();
-    for (const char* const name : FileNames)
-        outcome.files.push_back(ReadBytes(scratch.Path(name)));
-    return outcome;
+    return run;
 }
 
-// What a failed call comes to.
+Rehearsed RehearseWith(const machine::Fault& fault)
+{
+    MachineDescription machine = ExampleMachine();
+    machine.faults = {fault};
+    return Rehearse(machine);
+}
+
 enum class Effect {
-    Throws,  // the run ends with the message
-    Skips,   // the endpoint gives no firmware module
-    Ignored,
-    Unlists,  // effects in the registry are not found
+    Throws,         // the run ends with the message
+    SkipsEndpoint,  // without a message the run goes on with the next one
+    SkipsPin,
+    LosesModules,  // those of the endpoint's firmware, whatever else is tried to find them
+    Nothing,
+    Unlists,  // effects are not found
     Older,    // Windows counts as 8.0
 };
+using enum Effect;
 
 struct Row {
+    std::set<std::string> calls;  // none: every one
     Effect effect;
-    std::string message{};
-    bool withCode = true;
+    std::string message{};  // the code follows where it ends with a blank or 0x
+    std::string subject{};  // what the call's holds
 };
-using Rows = std::map<std::string, Row>;
+using Rows = std::vector<Row>;
 
-// While the firmware modules are looked for: calls that end the run, calls that end the endpoint, calls that end
-// nothing.
-const Rows FirmwareRows = {
-    {"CoInitializeEx", {Effect::Throws, "Failed to initialize COM interface", false}},
-    {"CoCreateInstance", {Effect::Throws, "Failed to initialize COM device interface! Result: 0x"}},
-    {"IMMDeviceEnumerator::EnumAudioEndpoints", {Effect::Throws, "EnumAudioEndpoints failed! Result: 0x"}},
-    {"IMMDeviceCollection::GetCount", {Effect::Throws, "GetCount() for devices list failed! Result: 0x"}},
-    {"IMMDeviceCollection::Item", {Effect::Throws, "Failed to get device from collection! Result: 0x"}},
-    {"IMMDevice::GetId", {Effect::Throws, "Failed to get device id! Result: 0x"}},
-    {"IMMDevice::OpenPropertyStore", {Effect::Throws, "Failed to open device property store! Result: 0x"}},
-    {"IPropertyStore::GetValue", {Effect::Throws, "Failed to read device GUID! Result: 0x"}},
-    {"CLSIDFromString", {Effect::Throws, "Failed to convert device GUID! Result: 0x"}},
-    {"IMMDevice::QueryInterface", {Effect::Throws, "Endpoint interface query failed! Result: 0x"}},
-    {"IMMEndpoint::GetDataFlow", {Effect::Throws, "GetDataFlow failed! Result: 0x"}},
-    {"IMMDevice::Activate IDeviceTopology", {Effect::Throws, "Device activation failed! Result: 0x"}},
-    {"IDeviceTopology::GetConnector of endpoint", {Effect::Throws, "GetConnector failed! Result: 0x"}},
-    {"StringFromCLSID", {Effect::Throws, "StringFromCLSID() call failed", false}},
-    {"RegOpenKeyExW", {Effect::Throws, "Could not read registry value. RegOpenKeyEx: 0x"}},
-    {"RegQueryValueExW", {Effect::Throws, "Could not read registry value. RegQueryValueEx: 0x"}},
-};
-const std::set<std::string> SkippingCalls = {"IConnector::IsConnected",
-                                             "IConnector::GetType",
-                                             "IConnector::GetConnectedTo",
-                                             "IConnector::QueryInterface",
-                                             "IPart::EnumPartsIncoming",
-                                             "IPart::EnumPartsOutgoing",
-                                             "IPartsList::GetCount",
-                                             "IPartsList::GetPart",
-                                             "IPart::GetPartType",
-                                             "IPart::GetLocalId",
-                                             "IPart::QueryInterface",
-                                             "IPart::GetTopologyObject",
-                                             "IAudioInputSelector::SetSelection",
-                                             "IDeviceTopology::GetDeviceId",
-                                             "IDeviceTopology::GetConnectorCount",
-                                             "IMMDeviceEnumerator::GetDevice",
-                                             "IMMDevice::Activate IKsControl",
-                                             "IKsControl::KsProperty",
-                                             "scan for the pin"};
-const std::set<std::string> IgnoredCalls = {"IConnector::GetConnectorIdConnectedTo",
-                                            "IConnector::GetDeviceIdConnectedTo",
-                                            "IPart::Activate IAudioInputSelector",
-                                            "IPart::Activate IAudioOutputSelector",
-                                            "IPart::GetLocalId of the end, no descriptor",
-                                            "scan beside the pin",
-                                            "RegCloseKey"};
+const Rows AnyStep = {{{"StringFromCLSID"}, Throws, "StringFromCLSID() call failed"},
+                      {{"RegOpenKeyExW"}, Throws, "Could not read registry value. RegOpenKeyEx: 0x"},
+                      {{"RegQueryValueExW"}, Throws, "Could not read registry value. RegQueryValueEx: 0x"},
+                      {{"RegCloseKey"}, Nothing, "", "behind RegQueryValueExW"}};
 
-// Afterwards.
-const Rows ApoRows = {
-    {"CoCreateInstance", {Effect::Throws, "CoCreateInstance() failed with status: 0x"}},
-    {"IMMDeviceEnumerator::EnumAudioEndpoints", {Effect::Throws, "EnumAudioEndpoints() failed with status: "}},
-    {"IMMDeviceCollection::GetCount", {Effect::Throws, "pCollection->GetCount() failed with status: "}},
-    {"IMMDeviceCollection::Item", {Effect::Throws, "pCollection->Item() failed with status: "}},
-    {"IMMDevice::GetId", {Effect::Throws, "pEndpoint->GetId() failed with status: "}},
-    {"IMMDevice::OpenPropertyStore", {Effect::Throws, "pEndpoint->OpenPropertyStore() failed with status: "}},
-    {"IPropertyStore::GetValue", {Effect::Throws, "pProps->GetValue() failed with status: "}},
-    {"CLSIDFromString", {Effect::Throws, "Call to CLSIDFromString() API failed with error code: 0x"}},
-    {"CLSIDFromString of a slot", {Effect::Unlists}},
-    {"StringFromCLSID", {Effect::Throws, "StringFromCLSID() call failed", false}},
-    {"RegOpenKeyW", {Effect::Throws, "Unable to open registry key", false}},
-    {"RegQueryInfoKeyW", {Effect::Unlists}},
-    {"RegEnumKeyExW", {Effect::Unlists}},
-    {"RegEnumKeyExW of an inactive endpoint", {Effect::Ignored}},
-    {"RegOpenKeyExW", {Effect::Throws, "Could not read registry value. RegOpenKeyEx: 0x"}},
-    {"RegQueryValueExW", {Effect::Throws, "Could not read registry value. RegQueryValueEx: 0x"}},
-    {"RegCloseKey", {Effect::Ignored}},
-    {"RegCloseKey of the endpoints", {Effect::Throws, "Unable to close registry key", false}},
-    {"VerifyVersionInfoW", {Effect::Older}},
-};
+// By the beginning of the message, or the call, behind which the step begins. The first row that fits counts.
+const std::map<std::string, Rows> Steps = {
+    {"Initializing COM interface...", {{{"CoInitializeEx"}, Throws, "Failed to initialize COM interface"}}},
+    {"AudioModulesUtils: DiscoverFwModules() starting...",
+     {{{"CoCreateInstance"}, Throws, "Failed to initialize COM device interface! Result: 0x"},
+      {{"IMMDeviceEnumerator::EnumAudioEndpoints"}, Throws, "EnumAudioEndpoints failed! Result: 0x"},
+      {{"IMMDeviceCollection::GetCount"}, Throws, "GetCount() for devices list failed! Result: 0x"}}},
+    {"****** NEXT DEVICE ******",
+     {{{"IMMDeviceCollection::Item"}, Throws, "Failed to get device from collection! Result: 0x"},
+      {{"IMMDevice::GetId"}, Throws, "Failed to get device id! Result: 0x"},
+      {{"IMMDevice::OpenPropertyStore"}, Throws, "Failed to open device property store! Result: 0x"},
+      {{"IPropertyStore::GetValue"}, Throws, "Failed to read device GUID! Result: 0x"},
+      {{"CLSIDFromString"}, Throws, "Failed to convert device GUID! Result: 0x"},
+      {{"IMMDevice::QueryInterface"}, Throws, "Endpoint interface query failed! Result: 0x"},
+      {{"IMMEndpoint::GetDataFlow"}, Throws, "GetDataFlow failed! Result: 0x"},
+      {{"IMMDevice::Activate"}, Throws, "Device activation failed! Result: 0x"},
+      {{"IDeviceTopology::GetConnector"}, Throws, "GetConnector failed! Result: 0x"}}},
+    {"*** NEXT CONNECTOR ***",
+     {{{"IConnector::GetConnectorIdConnectedTo", "IConnector::GetDeviceIdConnectedTo", "IPart::Activate"}, Nothing},
+      {{}, LosesModules, "", "espeakertopo"},  // where another way to a pin may be tried
+      {{"IConnector::IsConnected", "IConnector::GetType", "IConnector::GetConnectedTo", "IConnector::QueryInterface",
+        "IPart::EnumPartsIncoming", "IPart::EnumPartsOutgoing", "IPartsList::GetCount", "IPartsList::GetPart",
+        "IPart::GetPartType", "IPart::GetLocalId", "IAudioInputSelector::SetSelection", "IPart::QueryInterface"},
+       SkipsEndpoint}}},
+    {"Trying to read offload pin id...",
+     {{{"IPart::GetLocalId"}, Nothing, "", "espeakertopo"},  // which has no audio engine
+      {{}, LosesModules, "", "espeakertopo"},
+      {{"IPart::GetLocalId", "IKsControl::KsProperty"}, LosesModules},
+      {{"IPart::GetTopologyObject", "IDeviceTopology::GetDeviceId", "IMMDeviceEnumerator::GetDevice",
+        "IMMDevice::Activate"},
+       SkipsEndpoint}}},
+    {"Found a Software_IO connector for current device",
+     {{{"IConnector::QueryInterface", "IPart::GetTopologyObject", "IDeviceTopology::GetConnectorCount"},
+       SkipsEndpoint}}},
+    {"IDeviceTopology::GetConnectorCount",
+     {{{"IDeviceTopology::GetDeviceId", "IMMDeviceEnumerator::GetDevice", "IMMDevice::Activate"}, SkipsEndpoint},
+      {{}, Nothing, "", "espeaker"},  // whose pin is known: the scan finds nothing
+      {{}, LosesModules, "", "connector 0:"},
+      {{}, Nothing}}},
+    {"Using pin id:", {{{"IKsControl::KsProperty"}, SkipsPin}}},
+    {"Calling GetAudioEndpoints() for",
+     {{{"CoCreateInstance"}, Throws, "CoCreateInstance() failed with status: 0x"},
+      {{"IMMDeviceEnumerator::EnumAudioEndpoints"}, Throws, "EnumAudioEndpoints() failed with status: "},
+      {{"IMMDeviceCollection::GetCount"}, Throws, "pCollection->GetCount() failed with status: "},
+      {{"IMMDeviceCollection::Item"}, Throws, "pCollection->Item() failed with status: "},
+      {{"IMMDevice::GetId"}, Throws, "pEndpoint->GetId() failed with status: "},
+      {{"IMMDevice::OpenPropertyStore"}, Throws, "pEndpoint->OpenPropertyStore() failed with status: "},
+      {{"IPropertyStore::GetValue"}, Throws, "pProps->GetValue() failed with status: "},
+      {{"CLSIDFromString"}, Throws, "Call to CLSIDFromString() API failed with error code: 0x"},
+      {{"RegOpenKeyW"}, Throws, "Unable to open registry key"},
+      {{"RegQueryInfoKeyW"}, Unlists},
+      {{"RegEnumKeyExW"}, Unlists, "", "active endpoint"},
+      {{"RegEnumKeyExW"}, Nothing},
+      {{"RegCloseKey"}, Throws, "Unable to close registry key"}}},
+    {"[REG_SZ] Registry key value name: {d04e05a6", {{{"CLSIDFromString"}, Unlists}}},
+    {"[REG_SZ] Registry key value name: {bac22de4",
+     {{{"CLSIDFromString"}, Throws, "Call to CLSIDFromString() API failed with error code: 0x"}}},
+    {"Found Orvex SPATIALF FW modules count:", {{{"VerifyVersionInfoW"}, Older}}}};
 
-// Reads the calls of a run in order and names each by what it was made for.
-class Reader {
-public:
-    explicit Reader(const std::vector<simulation::CallRecord>& calls) : calls_(calls) {}
+// A call of the whole run, in which nothing fails.
+struct Place {
+    CallRecord call;
+    unsigned occurrence = 0;
+    std::string step;
+    std::string subject;     // what the call is made on, and with what
+    std::size_t logged = 0;  // length of the log before it
 
-    // The name of the call at `index`; to be asked in order.
-    std::string NameOf(std::size_t index)
+    void Begin(const std::string& text)
     {
-        const simulation::CallRecord& record = calls_[index];
-        const std::string& call = record.call;
-        if (call == "IMMDeviceEnumerator::EnumAudioEndpoints" && ++enumerations_ > 1)
-            inFirmware = false;
-        else if (call == "CoCreateInstance" && enumerations_ == 1)
-            inFirmware = false;
-        return inFirmware ? FirmwareName(index, record) : ApoName(index, call);
+        for (const auto& [beginning, rows] : Steps)
+            if (text.starts_with(beginning))
+                step = beginning;
     }
 
-    bool inFirmware = true;
-    std::size_t endpoint = 0;  // the one whose firmware modules are looked for
-
-private:
-    std::string FirmwareName(std::size_t index, const simulation::CallRecord& record)
+    // Null: the tables do not tell.
+    [[nodiscard]] const Row* Outcome() const
     {
-        const std::string& call = record.call;
-        if (call == "IMMDeviceCollection::Item") {
-            endpoint = items_++;
-            scanning_ = false;
-        }
-        const bool first = scanning_ && (record.arguments == "0" || record.arguments == "00010000, 00010000, 1" ||
-                                         record.object.ends_with("/00010000"));
-        if (scanning_ && call != "IDeviceTopology::GetDeviceId")
-            return first && capture_ ? "scan for the pin" : "scan beside the pin";
-        scanning_ = call == "IDeviceTopology::GetConnectorCount";
-        capture_ = call == "IPart::EnumPartsOutgoing" || (capture_ && call != "IPart::EnumPartsIncoming");
-        if (call == "IDeviceTopology::GetConnector")
-            return call + " of endpoint";
-        // The filters of the first hop have no audio engine, and not every pin has modules: what fails anyway is no
-        // loss.
-        if (call == "IKsControl::KsProperty" && FAILED(record.result))
-            return "scan beside the pin";
-        if (call == "IPart::GetLocalId" && calls_[index + 1].call == "IKsControl::KsProperty" &&
-            FAILED(calls_[index + 1].result))
-            return call + " of the end, no descriptor";
-        return call.ends_with("::Activate") ? call + " " + record.arguments : call;
+        for (const Rows* const rows : {&AnyStep, &Steps.at(step)})
+            for (const Row& row : *rows)
+                if ((row.calls.empty() || row.calls.contains(call.call)) &&
+                    subject.find(row.subject) != std::string::npos)
+                    return &row;
+        return nullptr;
     }
-
-    std::string ApoName(std::size_t index, const std::string& call)
-    {
-        const std::string& previous = calls_[index - 1].call;
-        if (call == "RegCloseKey" && previous != "RegQueryValueExW") {
-            ++closedLists_;
-            return call + " of the endpoints";
-        }
-        if (call == "RegEnumKeyExW" && calls_[index + 2].call != "StringFromCLSID")
-            return call + " of an inactive endpoint";
-        // Behind the lists, every endpoint has five slots and a wrapped list read.
-        if (closedLists_ == 2 && call == "StringFromCLSID")
-            ++propertyReads_;
-        if (closedLists_ == 2 && call == "CLSIDFromString" && propertyReads_ % 6 != 0)
-            return call + " of a slot";
-        return call;
-    }
-
-    const std::vector<simulation::CallRecord>& calls_;
-    int enumerations_ = 0;
-    std::size_t items_ = 0;
-    bool scanning_ = false;
-    bool capture_ = false;
-    int closedLists_ = 0;
-    int propertyReads_ = 0;
 };
 
-TEST(FaultSweep, EveryFailedCallComesToWhatItMust)
+std::vector<Place> PlacesIn(const std::vector<rehearsal::Event>& events)
 {
-    const machine::MachineDescription machine = ExampleMachine();
-    machine::MachineDescription withoutFirmware = machine;
-    for (machine::AdapterDevice& device : withoutFirmware.devices)
-        device.filter.reset();
-    machine::MachineDescription withoutApo = machine;
-    for (machine::Endpoint& endpoint : withoutApo.endpoints)
-        endpoint.fxProperties.reset();
-    const Outcome whole = RunExample(machine);
-    const Files before = ExampleFiles();
-    const Files onlyApo = RunExample(withoutFirmware).files;
-    const Files onlyFirmware = RunExample(withoutApo).files;
-    const int modulesOf[] = {3, 1, 0};  // speakers, microphone array, headset microphone
-    ASSERT_EQ(whole.Modules(L"FW"), 4);
-    ASSERT_EQ(std::set({before, whole.files, onlyApo, onlyFirmware}).size(), 4u);
-
-    Reader reader(whole.calls);
-    std::map<std::string, unsigned> counts;
-    for (std::size_t index = 0; index < whole.calls.size(); ++index) {
-        const std::string& call = whole.calls[index].call;
-        const bool windowsCode = call.starts_with("Reg") || call.starts_with("Verify");
-        const std::string name = reader.NameOf(index);
-        SCOPED_TRACE("call " + std::to_string(index) + ": " + name);
-        const Rows& rows = reader.inFirmware ? FirmwareRows : ApoRows;
-        const bool listed = reader.inFirmware && (SkippingCalls.contains(name) || IgnoredCalls.contains(name));
-        ASSERT_TRUE(listed || rows.contains(name));
-        const Row row = !listed ? rows.at(name) : Row{SkippingCalls.contains(name) ? Effect::Skips : Effect::Ignored};
-
-        machine::MachineDescription failing = machine;
-        failing.faults = {{call, ++counts[call], windowsCode ? LONG{ERROR_ACCESS_DENIED} : LONG{E_FAIL}}};
-        const auto held = CurrentHoldings();
-        const Outcome outcome = RunExample(failing);
-        EXPECT_EQ(CurrentHoldings(), held);
-
-        if (row.effect == Effect::Throws) {
-            const std::string code = windowsCode ? "5" : "80004005";
-            EXPECT_EQ(outcome.message, row.message + (row.withCode ? code : ""));
-            EXPECT_EQ(outcome.files, before);
+    std::vector<Place> places;
+    std::map<std::string, unsigned> made;
+    std::string connector;  // that is scanned
+    Place at;
+    for (auto event = events.begin(); event != events.end(); ++event) {
+        if (const auto* const message = std::get_if<rehearsal::LogMessage>(&*event)) {
+            at.Begin(TextOf(*message));
+            at.logged += TextOf(*message).size();
             continue;
         }
-        EXPECT_EQ(outcome.message, "(nothing thrown)");
-        const int lost = row.effect == Effect::Skips ? modulesOf[reader.endpoint] : 0;
-        EXPECT_EQ(outcome.Modules(L"FW"), whole.Modules(L"FW") - lost);
-        EXPECT_EQ(outcome.Modules(L"APO") < whole.Modules(L"APO"), row.effect == Effect::Unlists);
-        if (row.effect == Effect::Unlists)
-            EXPECT_TRUE(outcome.files == whole.files || outcome.files == onlyFirmware);
+        const std::string previous = at.call.call;
+        at.call = std::get<CallRecord>(*event);
+        const std::string& name = at.call.call;
+        at.occurrence = ++made[name];
+        if (name == "IDeviceTopology::GetConnector")
+            connector = at.call.arguments;
+        at.subject = "connector " + connector + ": " + at.call.object + " " + at.call.arguments;
+        if (name == "RegCloseKey")
+            at.subject = "behind " + previous;
+        // Its device path is read next.
+        if (name == "RegEnumKeyExW" && std::get<CallRecord>(event[2]).call == "StringFromCLSID")
+            at.subject = "active endpoint";
+        places.push_back(at);
+        at.Begin(name);
+    }
+    return places;
+}
+
+// 0 if the text does not hold it.
+int NumberBehind(const std::string& label, const std::string& text)
+{
+    const auto found = text.find(label);
+    return found == std::string::npos ? 0 : std::stoi(text.substr(found + label.size()));
+}
+
+int FwModules(const Rehearsed& run) { return NumberBehind("FW audio module(s) count: ", run.log); }
+int ApoModules(const Rehearsed& run) { return NumberBehind("APO audio module(s) count: ", run.log); }
+
+std::string Discovery(const std::string& log) { return log.substr(0, log.find("Discovered audio modules:")); }
+
+class FaultSweep : public testing::Test {
+protected:
+    FaultSweep()
+    {
+        MachineDescription withoutFirmware = ExampleMachine();
+        for (machine::AdapterDevice& device : withoutFirmware.devices)
+            device.filter.reset();
+        onlyApo = Rehearse(withoutFirmware).after;
+        MachineDescription withoutApo = ExampleMachine();
+        for (machine::Endpoint& endpoint : withoutApo.endpoints)
+            endpoint.fxProperties.reset();
+        onlyFirmware = Rehearse(withoutApo).after;
+    }
+
+    // The run completes and goes on, at the latest with the next endpoint.
+    void ExpectCompletion(const Place& at, const Rehearsed& run, Effect effect)
+    {
+        const std::size_t end = std::min({whole.log.find("****** NEXT DEVICE ******", at.logged),
+                                          whole.log.find("AudioModulesUtils: ", at.logged), whole.log.size()});
+        const std::size_t next = effect == SkipsPin ? std::min(end, whole.log.find("Using pin id:", at.logged)) : end;
+        const std::string rest = Discovery(whole.log.substr(next));
+        EXPECT_EQ(run.failure, "");
+        EXPECT_TRUE(Discovery(run.log).ends_with(rest));
+        if (effect == SkipsEndpoint || effect == SkipsPin) {
+            EXPECT_EQ(Discovery(run.log).size(), at.logged + rest.size());
+        }
+
+        const bool loses = effect == SkipsEndpoint || effect == SkipsPin || effect == LosesModules;
+        const std::string ended = loses ? whole.log.substr(at.logged, end - at.logged) : "";
+        const int lost = NumberBehind("Modules count:", ended);
+        EXPECT_EQ(FwModules(run), FwModules(whole) - lost);
+        EXPECT_EQ(ApoModules(run) < ApoModules(whole), effect == Unlists);
+        if (effect == Unlists)
+            EXPECT_TRUE(run.after == whole.after || run.after == onlyFirmware);
         else
-            EXPECT_EQ(outcome.files, row.effect == Effect::Older ? onlyFirmware : lost == 3 ? onlyApo : whole.files);
+            EXPECT_EQ(run.after, effect == Older ? onlyFirmware : lost == 3 ? onlyApo : whole.after);
+    }
+
+    const Rehearsed whole = Rehearse(ExampleMachine());
+    Files onlyApo;
+    Files onlyFirmware;
+};
+
+TEST_F(FaultSweep, EveryFailedCallComesToWhatItMust)
+{
+    ASSERT_EQ(FwModules(whole), 4);
+    ASSERT_EQ(std::set({whole.before, whole.after, onlyApo, onlyFirmware}).size(), 4u);
+    for (const Place& at : PlacesIn(whole.events)) {
+        SCOPED_TRACE(at.call.call + ", " + at.subject + ", behind " + at.step);
+        const Row* const row = at.Outcome();
+        ASSERT_NE(row, nullptr);
+        const machine::PlatformCall& call = *machine::FindPlatformCall(at.call.call);
+        const bool hresult = call.result == machine::ResultKind::HResult;
+        const Rehearsed run =
+            RehearseWith({at.call.call, at.occurrence, hresult ? LONG{E_FAIL} : LONG{ERROR_ACCESS_DENIED}});
+        EXPECT_EQ(run.log.substr(0, at.logged), whole.log.substr(0, at.logged));
+        const bool failsAnyway = call.IsFailure(at.call.result);
+        if (failsAnyway || row->effect != Throws) {
+            ExpectCompletion(at, run, failsAnyway ? Nothing : row->effect);
+            continue;
+        }
+        const bool withCode = row->message.ends_with("0x") || row->message.ends_with(" ");
+        EXPECT_EQ(run.failure, row->message + (!withCode ? "" : hresult ? "80004005" : "5"));
+        EXPECT_EQ(run.log.size(), at.logged);
+        EXPECT_EQ(run.after, whole.before);
+    }
+}
+
+TEST_F(FaultSweep, AnotherSuccessCodeChangesNothing)
+{
+    std::set<std::string> calls;
+    for (const Place& at : PlacesIn(whole.events))
+        if (machine::FindPlatformCall(at.call.call)->result == machine::ResultKind::HResult)
+            calls.insert(at.call.call);
+    EXPECT_GT(calls.size(), 25u);
+    for (const std::string& call : calls) {
+        SCOPED_TRACE(call);
+        const Rehearsed run = RehearseWith({call, {}, S_FALSE});
+        EXPECT_EQ(run.failure, "");
+        EXPECT_EQ(run.log, whole.log);
+        EXPECT_EQ(run.after, whole.after);
     }
 }
 
