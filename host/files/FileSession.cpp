@@ -182,8 +182,8 @@ std::vector<std::string> FileSession::PutInPlace(const std::vector<FileChange>& 
         const GivenFile& file = parts_->Find(change.path);
         if (!file.IsUsable())
             problems.push_back(file.problem.value_or(Line(file.path, messages::Missing)));
-        else if (backupSuffix)
-            AddBackupInTheWay(file, *backupSuffix, problems);
+        else
+            AddUnwritableBeside(file, backupSuffix, problems);
         placements.emplace_back(change, file);
     }
     ThrowIfAny(problems);

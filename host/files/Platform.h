@@ -64,17 +64,18 @@ private:
     std::intptr_t handle_;
 };
 
-// A file that only its maker can read, made under a name that was free; removed again unless it gets another name.
+// A file that nobody can read who cannot read the original, made under a name that was free; removed again unless it
+// gets another name.
 class NewFile {
 public:
-    explicit NewFile(std::string path);
+    NewFile(std::string path, const std::string& original);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
 
     void Write(const std::string& bytes);
     // Owner, mode, ACL and what else the system keeps beside the bytes; false: some of it cannot be had.
-    [[nodiscard]] bool TakeAttributes(const std::string& original);
+    [[nodiscard]] bool TakeAttributes();
     void Flush();
     [[nodiscard]] const std::string& Path() const { return path_; }
 
@@ -87,6 +88,7 @@ private:
     void Close();
 
     std::string path_;
+    std::string original_;
     std::intptr_t handle_;
     bool renamed_ = false;
 };
