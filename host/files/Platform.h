@@ -73,10 +73,10 @@ public:
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
 
-    void Write(const std::string& bytes);
+    void Write(const std::string& bytes) const;
     // Owner, mode, ACL and what else the system keeps beside the bytes; false: some of it cannot be had.
     [[nodiscard]] bool TakeAttributes();
-    void Flush();
+    void Flush() const;
     [[nodiscard]] const std::string& Path() const { return path_; }
 
     // Each is the last that is asked of it. The first takes the place of the target, its lock being held from before;

@@ -102,7 +102,7 @@ NewFile::~NewFile()
 
 void NewFile::Close() { const Descriptor closed(AsDescriptor(std::exchange(handle_, -1))); }
 
-void NewFile::Write(const std::string& bytes) { WriteAll(AsDescriptor(handle_), bytes); }
+void NewFile::Write(const std::string& bytes) const { WriteAll(AsDescriptor(handle_), bytes); }
 
 bool NewFile::TakeAttributes()
 {
@@ -119,7 +119,7 @@ bool NewFile::TakeAttributes()
            facts.st_mode == wanted.st_mode;
 }
 
-void NewFile::Flush() { Check(::fsync(AsDescriptor(handle_)) == 0); }
+void NewFile::Flush() const { Check(::fsync(AsDescriptor(handle_)) == 0); }
 
 FileLock NewFile::RenameOver(const std::string& target)
 {

@@ -158,7 +158,7 @@ NewFile::~NewFile()
 
 void NewFile::Close() { const Handle closed(AsHandle(std::exchange(handle_, AsNumber(INVALID_HANDLE_VALUE)))); }
 
-void NewFile::Write(const std::string& bytes) { WriteAll(AsHandle(handle_), bytes); }
+void NewFile::Write(const std::string& bytes) const { WriteAll(AsHandle(handle_), bytes); }
 
 bool NewFile::TakeAttributes()
 {
@@ -168,7 +168,7 @@ bool NewFile::TakeAttributes()
            TakeFileAttributes(AsHandle(handle_), attributes);
 }
 
-void NewFile::Flush() { Check(FlushFileBuffers(AsHandle(handle_))); }
+void NewFile::Flush() const { Check(FlushFileBuffers(AsHandle(handle_))); }
 
 FileLock NewFile::RenameOver(const std::string& target)
 {
