@@ -33,22 +33,21 @@ struct FileSession::Parts {
 void FileSession::Parts::LockAll()
 {
     std::vector<std::string> inUse;
-    for (auto file = files.begin(); file != files.end(); ++file) {
-        const bool locked = std::any_of(files.begin(), file, [&](const GivenFile& earlier) {
-            return earlier.IsUsable() && earlier.facts.identity == file->facts.identity;
-        });
-        if (!file->IsUsable() || locked)
+    std::vector<platform::Identity> locked;
+    for (GivenFile& file : files) {
+        if (!file.IsUsable() || std::find(locked.begin(), locked.end(), file.facts.identity) != locked.end())
             continue;
         try {
-            if (auto lock = platform::FileLock::Take(file->real)) {
+            if (auto lock = platform::FileLock::Take(file.real)) {
                 locks.push_back(std::move(*lock));
                 // Whoever held it may have put another file in its place.
-                *file = Examine(file->path);
+                file = Examine(file.path);
+                locked.push_back(file.facts.identity);
             } else {
-                inUse.push_back(Line(file->path, messages::InUse));
+                inUse.push_back(Line(file.path, messages::InUse));
             }
         } catch (const platform::SystemFailure& failure) {
-            file->problem = Line(file->path, messages::Unreadable, failure.what());
+            file.problem = Line(file.path, messages::Unreadable, failure.what());
         }
     }
     ThrowIfAny(inUse);
@@ -153,10 +152,10 @@ void FileSession::Parts::PlaceAll(std::vector<Placement>& placements, const std:
 {
     const auto undo = [&](std::vector<std::string> lines) {
         // What is prepared gives its room back before anything is written again.
-        for (auto placement = placements.rbegin(); placement != placements.rend(); ++placement) {
-            const auto left = placement->Undo(locks);
+        std::for_each(placements.rbegin(), placements.rend(), [&](Placement& placement) {
+            const auto left = placement.Undo(locks);
             lines.insert(lines.end(), left.begin(), left.end());
-        }
+        });
         return messages::Joined(lines);
     };
     try {
@@ -182,8 +181,8 @@ std::vector<std::string> FileSession::PutInPlace(const std::vector<FileChange>& 
         const GivenFile& file = parts_->Find(change.path);
         if (!file.IsUsable())
             problems.push_back(file.problem.value_or(Line(file.path, messages::Missing)));
-        else if (backupSuffix)
-            AddBackupInTheWay(file, *backupSuffix, problems);
+        else
+            AddUnwritableBeside(file, backupSuffix, problems);
         placements.emplace_back(change, file);
     }
     ThrowIfAny(problems);

@@ -7,12 +7,12 @@ namespace host {
 
 // Thrown where an interruption is looked at; no std::exception, so that nothing takes it for a failure.
 struct Interrupted {
-    int signal = 0;       // SIGINT, SIGTERM, SIGHUP; on Windows the CTRL_..._EVENT
+    int signal = 0;       // SIGINT and its like; on Windows the CTRL_..._EVENT
     std::string message;  // what could not be put back, one line each; mostly empty
 };
 
-// From its making to its end interruptions are noted instead of ending the process, and a write beyond the limit of a
-// file's size fails instead of ending it. One at a time.
+// From its making to its end interruptions are noted instead of ending the process, and a write to a closed pipe or
+// beyond the limit of a file's size fails instead of ending it. One at a time.
 class InterruptGuard {
 public:
     InterruptGuard();

@@ -14,9 +14,9 @@ using platform::NewFile;
 // A whole and flushed file with the attributes of the original; none: it would lack some.
 std::unique_ptr<NewFile> MakeAlike(const std::string& path, const std::string& bytes, const std::string& original)
 {
-    auto file = std::make_unique<NewFile>(path);
+    auto file = std::make_unique<NewFile>(path, original);
     file->Write(bytes);
-    if (!file->TakeAttributes(original))
+    if (!file->TakeAttributes())
         return nullptr;
     file->Flush();
     return file;
@@ -67,10 +67,10 @@ void Placement::Prepare()
 void Placement::MakeCopy()
 {
     const std::string path = OldName(file_.real);
-    NewFile copy(NewName(file_.real));
+    NewFile copy(NewName(file_.real), file_.real);
     copy.Write(change_.before);
     // What cannot be had leaves it readable to its maker alone.
-    (void)copy.TakeAttributes(file_.real);
+    (void)copy.TakeAttributes();
     copy.Flush();
     if (platform::Read(copy.Path()) != change_.before)
         throw FileProblem(Line(copy.Path(), messages::NotAsWritten));

@@ -64,18 +64,19 @@ private:
     std::intptr_t handle_;
 };
 
-// A file that only its maker can read, made under a name that was free; removed again unless it gets another name.
+// A file that nobody can read who cannot read the original, made under a name that was free; removed again unless it
+// gets another name.
 class NewFile {
 public:
-    explicit NewFile(std::string path);
+    NewFile(std::string path, const std::string& original);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
 
-    void Write(const std::string& bytes);
+    void Write(const std::string& bytes) const;
     // Owner, mode, ACL and what else the system keeps beside the bytes; false: some of it cannot be had.
-    [[nodiscard]] bool TakeAttributes(const std::string& original);
-    void Flush();
+    [[nodiscard]] bool TakeAttributes();
+    void Flush() const;
     [[nodiscard]] const std::string& Path() const { return path_; }
 
     // Each is the last that is asked of it. The first takes the place of the target, its lock being held from before;
@@ -87,6 +88,7 @@ private:
     void Close();
 
     std::string path_;
+    std::string original_;
     std::intptr_t handle_;
     bool renamed_ = false;
 };

@@ -24,6 +24,17 @@ bool AddIfRefused(const std::string& path, const Message& message, std::vector<s
     }
 }
 
+void AddBackupInTheWay(const GivenFile& file, const std::string& backupSuffix, std::vector<std::string>& problems)
+{
+    const std::string backup = file.path + backupSuffix;
+    AddIfRefused(backup, messages::NotFound, problems, [&] {
+        if (IsReservedName(backup))
+            problems.push_back(Line(backup, messages::ReservedName));
+        else if (platform::KindOfName(backup) != platform::Kind::Missing)
+            problems.push_back(Line(backup, messages::BackupExists));
+    });
+}
+
 bool HasUtf16Mark(const std::string& bytes) { return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"); }
 
 }  // namespace
@@ -90,17 +101,6 @@ void AddUnwritableBeside(const GivenFile& file, const std::optional<std::string>
         AddIfRefused(file.path, messages::FolderUnwritable, problems,
                      [&] { platform::CheckFolderWritable(file.path); });
     AddBackupInTheWay(file, *backupSuffix, problems);
-}
-
-void AddBackupInTheWay(const GivenFile& file, const std::string& backupSuffix, std::vector<std::string>& problems)
-{
-    const std::string backup = file.path + backupSuffix;
-    AddIfRefused(backup, messages::NotFound, problems, [&] {
-        if (IsReservedName(backup))
-            problems.push_back(Line(backup, messages::ReservedName));
-        else if (platform::KindOfName(backup) != platform::Kind::Missing)
-            problems.push_back(Line(backup, messages::BackupExists));
-    });
 }
 
 }  // namespace host

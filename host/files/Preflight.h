@@ -32,6 +32,5 @@ void AddUnwritable(const GivenFile& file, std::vector<std::string>& problems);
 // The file's folder and, if there is a suffix, its backup.
 void AddUnwritableBeside(const GivenFile& file, const std::optional<std::string>& backupSuffix,
                          std::vector<std::string>& problems);
-void AddBackupInTheWay(const GivenFile& file, const std::string& backupSuffix, std::vector<std::string>& problems);
 
 }  // namespace host

@@ -53,14 +53,14 @@ class Files:
         return subprocess.run(arguments, cwd=self.folder, env={**os.environ, "TMPDIR": str(self.temporary)},
                               capture_output=True, text=True, timeout=60)
 
-    def check_whole(self, new):
-        """Each file is old or new, or has its old bytes beside it; every backup is whole."""
+    def check_whole(self, before, after):
+        """Each file is as before or after, or has the bytes from before beside it; every backup is whole."""
         for name, bytes_now in self.contents().items():
             copy = self.folder / (name + ".qovxml-old")
             if copy.exists():
-                assert copy.read_bytes() == self.old[name]
+                assert copy.read_bytes() == before[name]
             else:
-                assert bytes_now in (self.old[name], new[name])
+                assert bytes_now in (before[name], after[name])
             backup = self.folder / (name + ".bak")
             assert not backup.exists() or backup.read_bytes() == self.old[name]
 
@@ -95,7 +95,7 @@ def each_call(call, injection, tmp_path, names, *options):
 def test_killed_apply_is_finished_by_the_next(call, names, tmp_path, new):
     for files, ended in each_call(call, "signal=SIGKILL", tmp_path, names):
         assert ended.returncode in (0, -signal.SIGKILL), ended.stderr
-        files.check_whole(new)
+        files.check_whole(files.old, new)
         assert files.run().returncode == 0
         files.check_finished(new)
 
@@ -105,7 +105,7 @@ def test_killed_apply_is_finished_by_the_next(call, names, tmp_path, new):
 def test_killed_apply_leaves_whole_backups(call, names, tmp_path, new):
     backups = {name + ".bak" for name in LINES}
     for files, ended in each_call(call, "signal=SIGKILL", tmp_path, names, "--backup"):
-        files.check_whole(new)
+        files.check_whole(files.old, new)
         left = files.names() & backups
         in_the_way = {name for name in left if files.contents()[name[:-4]] != new[name[:-4]] or
                       (files.folder / (name[:-4] + ".qovxml-old")).exists()}
@@ -123,6 +123,7 @@ def test_killed_restore_is_finished_by_the_next(call, names, tmp_path, new):
         files = Files(tmp_path / str(index), names)
         assert files.run("--backup").returncode == 0
         ended = files.run(command="restore", inject=f"{call}:signal=SIGKILL:when={index}")
+        files.check_whole(new, files.old)
         again = files.run(command="restore")
         # Killed after its last backup was removed, it has nothing left to do.
         assert again.returncode in (0, 3)

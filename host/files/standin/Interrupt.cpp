@@ -8,7 +8,9 @@ namespace host {
 
 namespace {
 
-constexpr std::array Signals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array Signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+// What they tell of, the failing write tells too.
+constexpr std::array OfWrites{SIGPIPE, SIGXFSZ};
 
 volatile std::sig_atomic_t pending = 0;
 
@@ -36,7 +38,8 @@ InterruptGuard::InterruptGuard()
     for (const int signal : Signals)
         if (!IsIgnored(signal))
             Handle(signal, Note);
-    Handle(SIGXFSZ, SIG_IGN);
+    for (const int signal : OfWrites)
+        Handle(signal, SIG_IGN);
 }
 
 InterruptGuard::~InterruptGuard()
@@ -44,7 +47,8 @@ InterruptGuard::~InterruptGuard()
     for (const int signal : Signals)
         if (!IsIgnored(signal))
             Handle(signal, SIG_DFL);
-    Handle(SIGXFSZ, SIG_DFL);
+    for (const int signal : OfWrites)
+        Handle(signal, SIG_DFL);
 }
 
 void ThrowIfInterrupted()

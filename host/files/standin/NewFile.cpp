@@ -85,8 +85,9 @@ FileLock& FileLock::operator=(FileLock&& other) noexcept
 
 FileLock::~FileLock() { const Descriptor closed(AsDescriptor(handle_)); }
 
-NewFile::NewFile(std::string path)
+NewFile::NewFile(std::string path, const std::string& original)
     : path_(std::move(path)),
+      original_(original),
       handle_(::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR))
 {
     Check(handle_ >= 0);
@@ -101,24 +102,24 @@ NewFile::~NewFile()
 
 void NewFile::Close() { const Descriptor closed(AsDescriptor(std::exchange(handle_, -1))); }
 
-void NewFile::Write(const std::string& bytes) { WriteAll(AsDescriptor(handle_), bytes); }
+void NewFile::Write(const std::string& bytes) const { WriteAll(AsDescriptor(handle_), bytes); }
 
-bool NewFile::TakeAttributes(const std::string& original)
+bool NewFile::TakeAttributes()
 {
     const int descriptor = AsDescriptor(handle_);
     struct stat wanted {};
     struct stat facts {};
-    Check(::stat(original.c_str(), &wanted) == 0 && ::fstat(descriptor, &facts) == 0);
+    Check(::stat(original_.c_str(), &wanted) == 0 && ::fstat(descriptor, &facts) == 0);
     const bool owned = (facts.st_uid == wanted.st_uid && facts.st_gid == wanted.st_gid) ||
                        ::fchown(descriptor, wanted.st_uid, wanted.st_gid) == 0;
-    if (!owned || !TakeExtendedAttributes(original.c_str(), descriptor))
+    if (!owned || !TakeExtendedAttributes(original_.c_str(), descriptor))
         return false;
     // Last, since giving a file away takes bits of its mode.
     return ::fchmod(descriptor, wanted.st_mode & 07777) == 0 && ::fstat(descriptor, &facts) == 0 &&
            facts.st_mode == wanted.st_mode;
 }
 
-void NewFile::Flush() { Check(::fsync(AsDescriptor(handle_)) == 0); }
+void NewFile::Flush() const { Check(::fsync(AsDescriptor(handle_)) == 0); }
 
 FileLock NewFile::RenameOver(const std::string& target)
 {

@@ -1,0 +1,182 @@
+#include "host/files/Platform.h"
+
+#include "host/files/windows/Handle.h"
+
+#include <array>
+#include <limits>
+
+namespace host::platform {
+
+namespace {
+
+constexpr DWORD SharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+bool IsMissing(DWORD error) { return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND; }
+
+std::wstring FolderOf(const std::wstring& path)
+{
+    const std::size_t end = path.find_last_of(L"\\/:");
+    return end == std::wstring::npos ? L"." : path.substr(0, end + 1);
+}
+
+Handle OpenWide(const std::wstring& path, DWORD access, DWORD flags)
+{
+    return Handle(CreateFileW(path.c_str(), access, SharedByAll, nullptr, OPEN_EXISTING, flags, nullptr));
+}
+
+DWORD Part(std::size_t size)
+{
+    constexpr std::size_t Most = 1u << 20;
+    return static_cast<DWORD>(size < Most ? size : Most);
+}
+
+}  // namespace
+
+void ThrowError(DWORD error)
+{
+    std::array<char, 512> text{};
+    const DWORD size = FormatMessageA(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0,
+                                      text.data(), static_cast<DWORD>(text.size()), nullptr);
+    std::string message(text.data(), size);
+    while (!message.empty() && std::string_view("\r\n. ").find(message.back()) != std::string_view::npos)
+        message.pop_back();
+    throw SystemFailure(message.empty() ? "error " + std::to_string(error) : message);
+}
+
+std::wstring Wide(const std::string& text)
+{
+    if (text.empty())
+        return {};
+    const int length = static_cast<int>(text.size());
+    const int size = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, text.data(), length, nullptr, 0);
+    Check(size > 0);
+    std::wstring wide(static_cast<std::size_t>(size), L'\0');
+    Check(MultiByteToWideChar(CP_ACP, 0, text.data(), length, wide.data(), size) == size);
+    return wide;
+}
+
+std::string Narrow(const std::wstring& text)
+{
+    if (text.empty())
+        return {};
+    const int length = static_cast<int>(text.size());
+    const int size = WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    Check(size > 0);
+    std::string narrow(static_cast<std::size_t>(size), '\0');
+    Check(WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(), size, nullptr, nullptr) == size);
+    if (Wide(narrow) != text)
+        ThrowError(ERROR_NO_UNICODE_TRANSLATION);
+    return narrow;
+}
+
+Handle Open(const std::string& path, DWORD access, DWORD flags)
+{
+    Handle file = OpenWide(Wide(path), access, flags);
+    Check(bool(file));
+    return file;
+}
+
+void WriteAll(HANDLE file, const std::string& bytes)
+{
+    Check(SetFilePointerEx(file, {}, nullptr, FILE_BEGIN));
+    for (std::size_t written = 0; written < bytes.size();) {
+        DWORD count = 0;
+        Check(WriteFile(file, bytes.data() + written, Part(bytes.size() - written), &count, nullptr));
+        written += count;
+    }
+}
+
+BY_HANDLE_FILE_INFORMATION FactsOf(HANDLE file)
+{
+    BY_HANDLE_FILE_INFORMATION facts{};
+    Check(GetFileInformationByHandle(file, &facts));
+    return facts;
+}
+
+Identity IdentityOf(const BY_HANDLE_FILE_INFORMATION& facts)
+{
+    return {facts.dwVolumeSerialNumber, std::uint64_t{facts.nFileIndexHigh} << 32 | facts.nFileIndexLow};
+}
+
+Facts Look(const std::string& path)
+{
+    const Handle file = OpenWide(Wide(path), FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
+    if (!file) {
+        Check(IsMissing(GetLastError()));
+        return {};
+    }
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK)
+        return {Kind::Other, {}, 0};
+    const BY_HANDLE_FILE_INFORMATION facts = FactsOf(file.Get());
+    const bool folder = (facts.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return {folder ? Kind::Other : Kind::Regular, IdentityOf(facts), facts.nNumberOfLinks};
+}
+
+Kind KindOfName(const std::string& path)
+{
+    const Handle file =
+        OpenWide(Wide(path), FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT);
+    if (!file) {
+        Check(IsMissing(GetLastError()));
+        return Kind::Missing;
+    }
+    FILE_ATTRIBUTE_TAG_INFO facts{};
+    Check(GetFileInformationByHandleEx(file.Get(), FileAttributeTagInfo, &facts, sizeof facts));
+    if ((facts.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsReparseTagNameSurrogate(facts.ReparseTag))
+        return Kind::Link;
+    return (facts.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? Kind::Other : Kind::Regular;
+}
+
+std::string RealPath(const std::string& path)
+{
+    // Any other path serves as it is, and may be beyond the active code page where it leads.
+    if (KindOfName(path) != Kind::Link)
+        return path;
+    const Handle file = Open(path, FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
+    std::wstring real(GetFinalPathNameByHandleW(file.Get(), nullptr, 0, FILE_NAME_NORMALIZED), L'\0');
+    const DWORD size =
+        GetFinalPathNameByHandleW(file.Get(), real.data(), static_cast<DWORD>(real.size()), FILE_NAME_NORMALIZED);
+    Check(size > 0 && size < real.size());
+    real.resize(size);
+    return Narrow(real);
+}
+
+std::string Read(const std::string& path)
+{
+    const Handle file = Open(path, GENERIC_READ);
+    std::string bytes;
+    std::array<char, 65536> part;
+    for (;;) {
+        DWORD count = 0;
+        Check(ReadFile(file.Get(), part.data(), static_cast<DWORD>(part.size()), &count, nullptr));
+        if (count == 0)
+            return bytes;
+        bytes.append(part.data(), count);
+    }
+}
+
+void CheckWritable(const std::string& path) { (void)Open(path, GENERIC_WRITE); }
+
+void CheckFolderWritable(const std::string& path)
+{
+    const Handle folder = OpenWide(FolderOf(Wide(path)), FILE_ADD_FILE, FILE_FLAG_BACKUP_SEMANTICS);
+    Check(bool(folder));
+}
+
+// Who may make files in a folder is for the folder's ACL to say.
+bool Trusted(const std::string& path, const std::string&) { return KindOfName(path) == Kind::Regular; }
+
+void Rewrite(const std::string& path, const std::string& bytes)
+{
+    const Handle file = Open(path, GENERIC_WRITE);
+    WriteAll(file.Get(), bytes);
+    Check(SetEndOfFile(file.Get()));
+    Check(FlushFileBuffers(file.Get()));
+}
+
+void Remove(const std::string& path) { Check(DeleteFileW(Wide(path).c_str()) || IsMissing(GetLastError())); }
+
+// Names are written through where they are made.
+void FlushFolder(const std::string&) {}
+
+}  // namespace host::platform
