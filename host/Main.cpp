@@ -23,7 +23,7 @@ int main(int argc, char** argv)
         const auto command = host::ReadCommandLine(argc, argv);
         return std::visit([](const auto& chosen) { return Run(chosen); }, command);
     } catch (const host::Interrupted& interrupted) {
-        std::cerr << interrupted.message;
+        std::cerr << interrupted.message << (interrupted.message.empty() ? "" : "\n");
         interruption = interrupted;
     } catch (const std::exception& failure) {
         std::cerr << "error: " << failure.what() << '\n';

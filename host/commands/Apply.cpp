@@ -61,8 +61,12 @@ public:
     {
         try {
             FileSession session(options_.files, options_.dryRun ? Purpose::Look : Purpose::Change);
-            for (const std::string& notice : session.Notices())
-                console_.Step(notice);
+            const std::vector<std::string> notices = session.Notices();
+            if (options_.dryRun)
+                ending_.AddWarnings(notices);
+            else
+                for (const std::string& notice : notices)
+                    console_.Step(notice);
             const std::vector<std::string> problems = session.Problems();
             if (!problems.empty())
                 return ending_.Failed(FileProblemFound, Joined(problems));
