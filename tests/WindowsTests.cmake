@@ -21,6 +21,12 @@ add_wine_test(host-parts win10 host_tests "-${excluded}")
 add_wine_test(scenarios win10 scenario_tests "-${stand_in_scenarios}:${windows8_scenarios}")
 add_wine_test(scenarios-windows8 win8 scenario_tests "${windows8_scenarios}")
 
+# The real program, as a user starts it.
+find_program(PYTEST NAMES pytest-3 pytest REQUIRED)
+add_test(NAME program COMMAND ${PYTEST} -q -p no:cacheprovider -m "not posix" ${CMAKE_CURRENT_SOURCE_DIR}/host)
+set_tests_properties(program PROPERTIES ENVIRONMENT
+  "QOVXML_PROGRAM=$<TARGET_FILE:qovxml-configure>;QOVXML_LAUNCHER=${CMAKE_CROSSCOMPILING_EMULATOR}")
+
 add_test(NAME dll COMMAND ${CMAKE_COMMAND}
   -D DLL=$<TARGET_FILE:QovXml>
   -D PROGRAM=$<TARGET_FILE:qovxml-configure>

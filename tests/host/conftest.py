@@ -10,6 +10,12 @@ import pytest
 
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 NAMES = {"configuration": "QovConfiguration.xml", "settings": "QovSettings.xml", "pipelines": "ApoPipelinesDefinition.xml"}
+
+
+def pytest_configure(config):
+    config.addinivalue_line("markers", "posix: by means that only POSIX has, so not for the program under Wine")
+
+
 PROGRAM = [*os.environ.get("QOVXML_LAUNCHER", "").split(), os.environ["QOVXML_PROGRAM"]]
 
 

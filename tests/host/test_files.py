@@ -7,7 +7,7 @@ import time
 import pytest
 
 CONFIGURATION, SETTINGS, PIPELINES = NAMES = ("QovConfiguration.xml", "QovSettings.xml", "ApoPipelinesDefinition.xml")
-posix_only = pytest.mark.skipif("QOVXML_LAUNCHER" in os.environ, reason="the means are those of POSIX")
+posix_only = pytest.mark.posix
 
 
 def as_nobody(folder, command):
