@@ -56,6 +56,8 @@ inline Outcome Rehearse(const machine::MachineDescription& machine, const QovXml
         } catch (const std::exception& failure) {
             outcome.failure = failure.what();
         }
+        for (const auto& call : simulated.Calls())
+            outcome.events.push_back(call);
     }
     for (auto& file : outcome.files)
         file.after = Bytes(file.path);
