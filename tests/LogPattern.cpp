@@ -72,9 +72,9 @@ std::string LogDifference(const std::vector<std::string>& expected, const std::v
     if (!mismatch)
         return "";
     std::ostringstream text;
-    text << "expected as message " << mismatch->expected + 1 << " of the pattern:\n  "
-         << ElementOr(expected, mismatch->expected, "(no further message)") << "\nbut the run logged:\n  "
-         << ElementOr(actual, mismatch->actual, "(no further message)") << "\nThe whole log:\n";
+    text << "expected as number " << mismatch->expected + 1 << " of the pattern:\n  "
+         << ElementOr(expected, mismatch->expected, "(nothing further)") << "\nbut the run has:\n  "
+         << ElementOr(actual, mismatch->actual, "(nothing further)") << "\nAll of it:\n";
     for (const std::string& message : actual)
         text << "> " << message << '\n';
     return text.str();

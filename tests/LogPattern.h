@@ -1,4 +1,4 @@
-// Expected logs with gaps.
+// Expected logs, and lists of platform calls, with gaps.
 #pragma once
 
 #include <string>

@@ -198,8 +198,8 @@ private:
     // The machine and the outcome of the group serve its cases that name none; what throws has no outcome.
     [[nodiscard]] ScenarioCase Worked(const json& content, const json& group) const
     {
-        static const std::vector<std::string> known = {"about",  "like", "base",    "machine", "before",
-                                                       "throws", "log",  "outcome", "instead", "after"};
+        static const std::vector<std::string> known = {"about", "like",  "base",    "machine", "before", "throws",
+                                                       "log",   "calls", "outcome", "instead", "after"};
         for (const auto& [name, member] : content.items())
             if (std::find(known.begin(), known.end(), name) == known.end())
                 throw std::runtime_error("no such member: " + name);
@@ -209,6 +209,7 @@ private:
         worked.machine = machine.dump();
         worked.about = content.at("about");
         worked.failure = content.value("throws", "(nothing thrown)");
+        worked.calls = Messages(content.value("calls", json::array({"..."})));
         worked.log = Messages(content.value("log", json::array({"..."})));
         json outcome = json::object();
         if (!content.contains("throws")) {

@@ -19,7 +19,8 @@ struct ScenarioCase {
     std::string failure;  // "(nothing thrown)" for a run that completes
     FileBytes before;
     FileBytes after;
-    std::vector<std::string> log;  // with gaps; a warning begins with "[warning] "
+    std::vector<std::string> log;    // with gaps; a warning begins with "[warning] "
+    std::vector<std::string> calls;  // with gaps: name, object and arguments
 };
 
 // Throws std::runtime_error with the file and the case when one cannot be understood.

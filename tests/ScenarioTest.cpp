@@ -40,6 +40,15 @@ std::vector<std::string> LogOf(const rehearsal::Outcome& outcome)
     return log;
 }
 
+std::vector<std::string> CallsOf(const rehearsal::Outcome& outcome)
+{
+    std::vector<std::string> calls;
+    for (const rehearsal::Event& event : outcome.events)
+        if (const auto* const call = std::get_if<simulation::CallRecord>(&event))
+            calls.push_back(call->call + " " + call->object + " " + call->arguments);
+    return calls;
+}
+
 class ScenarioTest : public testing::Test {
 public:
     explicit ScenarioTest(ScenarioCase scenario) : scenario_(std::move(scenario)) {}
@@ -59,14 +68,20 @@ public:
 
         EXPECT_TRUE(outcome.unusedFaults.empty()) << "a fault that no call met";
         EXPECT_EQ(outcome.failure.value_or("(nothing thrown)"), scenario_.failure);
-        if (const std::string difference = LogDifference(scenario_.log, LogOf(outcome)); !difference.empty())
-            ADD_FAILURE() << difference;
+        Compare(scenario_.log, LogOf(outcome));
+        Compare(scenario_.calls, CallsOf(outcome));
         for (std::size_t index = 0; index < ScenarioFiles.size(); ++index)
             EXPECT_EQ(outcome.files[index].after.value_or("(no file)"), scenario_.after[index].value_or("(no file)"))
                 << FileName(index);
     }
 
 private:
+    static void Compare(const std::vector<std::string>& expected, const std::vector<std::string>& actual)
+    {
+        if (const std::string difference = LogDifference(expected, actual); !difference.empty())
+            ADD_FAILURE() << difference;
+    }
+
     ScenarioCase scenario_;
 };
 
