@@ -43,6 +43,12 @@ void Console::Step(const std::string& text) const
         std::cerr << text << '\n';
 }
 
+void Console::Outcome(std::string_view text) const
+{
+    if (quiet_)
+        std::cerr << text << '\n';
+}
+
 void Console::LibraryLog(const std::vector<rehearsal::LogMessage>& log) const
 {
     if (verbose_)

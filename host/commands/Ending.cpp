@@ -6,11 +6,24 @@
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 namespace host {
 
 namespace {
+
+// What --quiet leaves of a summary.
+struct OutcomeText {
+    std::string_view outcome;
+    std::string_view text;
+};
+constexpr OutcomeText OutcomeTexts[] = {
+    {"done", "Done."},
+    {"unchanged", "Nothing to change."},
+    {"would-change", "Would change."},
+    {"warnings", "Stopped by warnings: nothing was changed."},
+};
 
 // By path, link or hard link: it would be emptied before it is read.
 bool IsOneOfTheFiles(const std::string& logFile, const QovXml::Config& files)
@@ -82,6 +95,9 @@ ExitCode Ending::With(ExitCode code, const std::string& summary)
     logFile_.Write("");
     logFile_.Write(summary);
     console_.Summary(summary);
+    for (const OutcomeText& row : OutcomeTexts)
+        if (row.outcome == report.outcome)
+            console_.Outcome(row.text);
     if (report.diff)
         console_.Diff(*report.diff);
     return Finish(code);

