@@ -14,6 +14,7 @@ NAMES = {"configuration": "QovConfiguration.xml", "settings": "QovSettings.xml",
 
 def pytest_configure(config):
     config.addinivalue_line("markers", "posix: by means that only POSIX has, so not for the program under Wine")
+    config.addinivalue_line("markers", "traced: under strace, hundreds of times: not with sanitizers, which want to trace themselves")
 
 
 PROGRAM = [*os.environ.get("QOVXML_LAUNCHER", "").split(), os.environ["QOVXML_PROGRAM"]]

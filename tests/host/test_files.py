@@ -140,6 +140,7 @@ def test_full_disk_leaves_everything_as_it_was(folder, applied, tmp_path_factory
 
 
 @posix_only
+@pytest.mark.traced
 def test_second_run_on_a_file_is_refused(folder, tmp_path):
     """The first one is held at its first rename, inside a debugger; the second comes by another path."""
     log = tmp_path / "trace"
@@ -158,6 +159,7 @@ def test_second_run_on_a_file_is_refused(folder, tmp_path):
 
 
 @posix_only
+@pytest.mark.traced
 @pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
 def test_interruption_leaves_nothing(folder, number):
     before = folder.contents()

@@ -8,7 +8,7 @@ import subprocess
 import pytest
 from conftest import NAMES, PROGRAM
 
-pytestmark = pytest.mark.posix
+pytestmark = [pytest.mark.posix, pytest.mark.traced]
 
 # Short, for every line is a write.
 BLOCKS = ["OrvexZan_Lfx_Mfx_Apo", "OrvexZan_Sfx_Apo", "OrvexZan_Efx_Apo", "OrvexZan_SPATIALF"]
