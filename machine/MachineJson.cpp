@@ -127,7 +127,9 @@ MachineDescription ReadMachine(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf()))
+    // An empty file is read, too: it just gives nothing to insert.
+    const bool empty = file.peek() == std::ifstream::traits_type::eof();
+    if (!file.is_open() || file.bad() || (!empty && !(text << file.rdbuf())))
         throw std::runtime_error(path + ": cannot be read");
     return ParseMachine(text.str(), path);
 }

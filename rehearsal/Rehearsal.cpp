@@ -1,5 +1,6 @@
 #include "rehearsal/Rehearsal.h"
 
+#include "common/Text.h"
 #include "rehearsal/TemporaryFolder.h"
 #include "simulation/SimulatedMachine.h"
 
@@ -30,15 +31,6 @@ void Replace(Text& text, const Text& from, const Text& to)
 {
     for (std::size_t at = 0; (at = text.find(from, at)) != Text::npos; at += to.size())
         text.replace(at, from.size(), to);
-}
-
-// As the library puts a path into a log message: one unit for each byte.
-std::wstring Widen(const std::string& path)
-{
-    std::wstring wide;
-    for (const char byte : path)
-        wide += static_cast<wchar_t>(static_cast<unsigned char>(byte));
-    return wide;
 }
 
 // The copies of the three files, and the names that they stand for.
@@ -85,7 +77,7 @@ public:
     [[nodiscard]] std::wstring WithOriginals(std::wstring message) const
     {
         for (const auto& [original, copy] : pairs_)
-            Replace(message, Widen(copy), Widen(original));
+            Replace(message, qov::Widen(copy), qov::Widen(original));
         return message;
     }
 

@@ -2,6 +2,7 @@
 #include "host/files/Interrupt.h"
 #include "rehearsal/TemporaryFolder.h"
 #include "support/Scratch.h"
+#include "support/UnwritableFile.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include "support/Failures.h"
 #include "support/Scratch.h"
+#include "support/UnwritableFile.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <sstream>
 
 namespace {
 
@@ -53,17 +52,39 @@ std::vector<std::string> Lines(const std::string& message)
     return lines;
 }
 
-std::string ElementOr(const std::vector<std::string>& elements, std::size_t index, const char* otherwise)
+bool SameLine(const std::string& line, const std::string& other) { return line == other; }
+
+// The expected element that was not met, and what there is instead.
+std::string Described(const std::vector<std::string>& expected, const std::vector<std::string>& actual, Progress at)
 {
-    return index < elements.size() ? elements[index] : otherwise;
+    const std::string wanted = at.expected < expected.size() ? expected[at.expected] : "(nothing further)";
+    const bool behindGap = at.expected > 0 && expected[at.expected - 1] == Gap;
+    const char* const nothing = behindGap ? "(nothing like it further on)" : "(nothing further)";
+    return "expected as number " + std::to_string(at.expected + 1) + " of the pattern:\n  " + wanted +
+           "\nbut there is:\n  " + (at.actual < actual.size() ? actual[at.actual] : nothing) + "\n";
+}
+
+// In a message of many lines the line is told, of the actual message that meets most of them.
+std::string DescribedLine(const std::string& expected, const std::vector<std::string>& actual)
+{
+    const std::vector<std::string> lines = Lines(expected);
+    std::size_t met = 1;  // more than a gap
+    std::string described;
+    for (const std::string& message : actual) {
+        const auto mismatch = Mismatch(lines, Lines(message), SameLine);
+        if (mismatch && mismatch->expected > met) {
+            met = mismatch->expected;
+            described = "in its lines: " + Described(lines, Lines(message), *mismatch);
+        }
+    }
+    return described;
 }
 
 }  // namespace
 
 bool MessageMatches(const std::string& expected, const std::string& actual)
 {
-    return !Mismatch(Lines(expected), Lines(actual),
-                     [](const std::string& line, const std::string& other) { return line == other; });
+    return !Mismatch(Lines(expected), Lines(actual), SameLine);
 }
 
 std::string LogDifference(const std::vector<std::string>& expected, const std::vector<std::string>& actual)
@@ -71,11 +92,11 @@ std::string LogDifference(const std::vector<std::string>& expected, const std::v
     const auto mismatch = Mismatch(expected, actual, MessageMatches);
     if (!mismatch)
         return "";
-    std::ostringstream text;
-    text << "expected as number " << mismatch->expected + 1 << " of the pattern:\n  "
-         << ElementOr(expected, mismatch->expected, "(nothing further)") << "\nbut the run has:\n  "
-         << ElementOr(actual, mismatch->actual, "(nothing further)") << "\nAll of it:\n";
+    std::string text = Described(expected, actual, *mismatch);
+    if (mismatch->expected < expected.size())
+        text += DescribedLine(expected[mismatch->expected], actual);
+    text += "All of it:\n";
     for (const std::string& message : actual)
-        text << "> " << message << '\n';
-    return text.str();
+        text += "> " + message + "\n";
+    return text;
 }

@@ -51,6 +51,7 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         std::string text, place, reason;  // a part of the reason, behind the place
     } rows[] = {
         {"{\n\"windowsVersion\": ?}", "line 2", "syntax error"},
+        {"", "line 1", "syntax error"},
         {R"({"windowsVersion": "10", "endpoints": []})", "/windowsVersion: ", "major.minor"},
         {Machine("", R"(, "colour": 1)"), "/: ", "colour"},
         {Machine("", R"(, "endpoints": [])"), "/endpoints: ", "twice"},
@@ -102,7 +103,8 @@ TEST(MachineJsonTest, RefusesWithPlaceAndReason)
         ASSERT_NE(place, std::string::npos);
         EXPECT_NE(message.find(row.reason, place + row.place.size()), std::string::npos);
     }
-    EXPECT_EQ(MessageOf([&] { (void)machine::ReadMachine(path + "!"); }).rfind(path + "!: ", 0), 0u);
+    for (const std::string& unreadable : {path + "!", scratch.Folder().string()})
+        EXPECT_EQ(MessageOf([&] { (void)machine::ReadMachine(unreadable); }), unreadable + ": cannot be read");
 }
 
 std::vector<std::string> Lines(const std::string& text)

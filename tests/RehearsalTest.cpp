@@ -7,6 +7,7 @@
 #include "support/RecordingLogger.h"
 #include "support/Scratch.h"
 #include "support/TemporaryRoot.h"
+#include "support/UnwritableFile.h"
 
 #include <gtest/gtest.h>
 

@@ -68,18 +68,19 @@ public:
 
         EXPECT_TRUE(outcome.unusedFaults.empty()) << "a fault that no call met";
         EXPECT_EQ(outcome.failure.value_or("(nothing thrown)"), scenario_.failure);
-        Compare(scenario_.log, LogOf(outcome));
-        Compare(scenario_.calls, CallsOf(outcome));
+        Compare("log", scenario_.log, LogOf(outcome));
+        Compare("platform calls", scenario_.calls, CallsOf(outcome));
         for (std::size_t index = 0; index < ScenarioFiles.size(); ++index)
             EXPECT_EQ(outcome.files[index].after.value_or("(no file)"), scenario_.after[index].value_or("(no file)"))
                 << FileName(index);
     }
 
 private:
-    static void Compare(const std::vector<std::string>& expected, const std::vector<std::string>& actual)
+    static void Compare(const char* what, const std::vector<std::string>& expected,
+                        const std::vector<std::string>& actual)
     {
         if (const std::string difference = LogDifference(expected, actual); !difference.empty())
-            ADD_FAILURE() << difference;
+            ADD_FAILURE() << what << ": " << difference;
     }
 
     ScenarioCase scenario_;

@@ -4,6 +4,7 @@
 #include "simulation/SimulatedMachine.h"
 #include "support/RecordingLogger.h"
 #include "support/Scratch.h"
+#include "support/UnwritableFile.h"
 
 #include <gtest/gtest.h>
 

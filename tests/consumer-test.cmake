@@ -1,11 +1,6 @@
 # Host programs outside the project, built against what `cmake --install` lays out: README's, exactly as it is shown there and
 # run on the example files, and the checks of tests/consumer. For Windows also with a C++ runtime that host and DLL share.
-function(run)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "failed: ${ARGN}\n${output}")
-  endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/support/Run.cmake)
 
 # Writes README.md's code block in `language` that begins with `start`.
 function(extract_from_readme file language start)
@@ -22,7 +17,7 @@ function(configure source build)
   if(TOOLCHAIN)
     list(APPEND arguments --toolchain ${TOOLCHAIN})
   endif()
-  run(${CMAKE_COMMAND} -S ${source} -B ${build} ${arguments} ${ARGN})
+  run(ignored ${CMAKE_COMMAND} -S ${source} -B ${build} ${arguments} ${ARGN})
 endfunction()
 
 # expect(program arguments... EXIT code PRINTS regular expression)
@@ -40,7 +35,7 @@ endfunction()
 # Builds the host programs against the package in `installed`, into `programs`.
 function(build_programs installed programs)
   configure(${scratch}/source ${programs} -D CMAKE_PREFIX_PATH=${installed} ${ARGN})
-  run(${CMAKE_COMMAND} --build ${programs})
+  run(ignored ${CMAKE_COMMAND} --build ${programs})
   # Windows looks for the DLL beside the program.
   file(GLOB dlls ${installed}/bin/*.dll)
   file(COPY ${dlls} DESTINATION ${programs})
@@ -54,7 +49,7 @@ extract_from_readme(${scratch}/source/main.cpp cpp "#include <QovXml.h>")
 extract_from_readme(${scratch}/source/CMakeLists.txt cmake "cmake_minimum_required")
 file(APPEND ${scratch}/source/CMakeLists.txt "include(${PROJECT}/tests/consumer/Checks.cmake)\n")
 
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${scratch}/installed)
+run(ignored ${CMAKE_COMMAND} --install ${BUILD} --prefix ${scratch}/installed)
 set(programs ${scratch}/programs)
 build_programs(${scratch}/installed ${programs})
 expect(your-program EXIT 2 PRINTS "^usage: your-program CONFIGURATION SETTINGS PIPELINES")
@@ -77,8 +72,8 @@ expect(without-manifest ${files} EXIT 0 PRINTS "Detected Windows 8.0 or lower")
 expect(exceptions EXIT 0 PRINTS "^uncaught exceptions: -1")
 
 configure(${PROJECT} ${scratch}/library ${library_alone} -D QOVXML_SHARED_RUNTIME=ON)
-run(${CMAKE_COMMAND} --build ${scratch}/library)
-run(${CMAKE_COMMAND} --install ${scratch}/library --prefix ${scratch}/installed-shared-runtime)
+run(ignored ${CMAKE_COMMAND} --build ${scratch}/library)
+run(ignored ${CMAKE_COMMAND} --install ${scratch}/library --prefix ${scratch}/installed-shared-runtime)
 set(programs ${scratch}/programs-shared-runtime)
 build_programs(${scratch}/installed-shared-runtime ${programs} -D QOVXML_SHARED_RUNTIME=ON)
 foreach(dll libstdc++-6 libgcc_s_seh-1 libwinpthread-1)

@@ -1,11 +1,5 @@
 # What QovXml.dll shows to Windows: its exports, the DLLs that it needs, its hardening and its version resource.
-function(run out)
-  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE error)
-  if(NOT result EQUAL 0)
-    message(FATAL_ERROR "failed: ${ARGN}\n${output}${error}")
-  endif()
-  set(${out} "${output}" PARENT_SCOPE)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/support/Run.cmake)
 
 function(expect_equal what actual expected)
   if(NOT actual STREQUAL expected)

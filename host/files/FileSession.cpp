@@ -3,6 +3,7 @@
 #include "host/files/Interrupt.h"
 #include "host/files/Leftovers.h"
 #include "host/files/Messages.h"
+#include "host/files/NewFile.h"
 #include "host/files/Placement.h"
 #include "host/files/Platform.h"
 #include "host/files/Preflight.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "host/files/FileSession.h"
-#include "host/files/Platform.h"
+#include "host/files/NewFile.h"
 #include "host/files/Preflight.h"
 
 #include <memory>

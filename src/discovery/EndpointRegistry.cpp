@@ -211,7 +211,7 @@ std::wstring ExtractEndpointName(const std::wstring& devicePath)
 void ReadEndpointIdentity(AudioEndpoint& endpoint, ILogger& logger)
 {
     const std::wstring devicePath =
-        BytesToText(ReadEndpointProperty(endpoint, EndpointPropertyKind::Properties, DevicePathKey, logger));
+        BytesToText(ReadEndpointProperty(endpoint, EndpointPropertyKind::Properties, DevicePathValue, logger));
     endpoint.DeviceId = ExtractDeviceId(devicePath);
     endpoint.EndpointName = ExtractEndpointName(devicePath);
 }

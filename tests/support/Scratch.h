@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
 #include <string>
 
 class ScratchFolder {
@@ -21,16 +20,3 @@ private:
 
 std::string ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
-
-// While it lives, the file can be read but not written.
-class UnwritableFile {
-public:
-    explicit UnwritableFile(const std::filesystem::path& path);
-    UnwritableFile(const UnwritableFile&) = delete;
-    UnwritableFile& operator=(const UnwritableFile&) = delete;
-    ~UnwritableFile();
-
-private:
-    struct Hold;  // the system's means
-    std::unique_ptr<Hold> hold_;
-};

@@ -6,12 +6,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
+#include <string>
 #include <utility>
 
 namespace host::platform {
 
-[[noreturn]] inline void ThrowLastError() { throw SystemFailure(std::generic_category().message(errno)); }
+[[noreturn]] void ThrowLastError();
 
 inline void Check(bool succeeded)
 {
@@ -45,16 +45,6 @@ private:
 };
 
 // At the start of the file.
-inline void WriteAll(int descriptor, const std::string& bytes)
-{
-    for (std::size_t written = 0; written < bytes.size();) {
-        const ssize_t count =
-            ::pwrite(descriptor, bytes.data() + written, bytes.size() - written, static_cast<off_t>(written));
-        if (count < 0 && errno == EINTR)
-            continue;
-        Check(count >= 0);
-        written += static_cast<std::size_t>(count);
-    }
-}
+void WriteAll(int descriptor, const std::string& bytes);
 
 }  // namespace host::platform

@@ -1,3 +1,5 @@
+#include "host/files/NewFile.h"
+
 #include "host/files/standin/Handle.h"
 
 #include <fcntl.h>

@@ -48,7 +48,8 @@ private:
     HANDLE handle_;
 };
 
-// An existing file or folder, with everybody else free to use it.
+// An existing file or folder, with everybody else free to use it; the first gives none for one that cannot be opened.
+Handle OpenWide(const std::wstring& path, DWORD access, DWORD flags);
 Handle Open(const std::string& path, DWORD access, DWORD flags = 0);
 // At the start of the file.
 void WriteAll(HANDLE file, const std::string& bytes);

@@ -1,3 +1,5 @@
+#include "host/files/NewFile.h"
+
 #include "host/files/windows/Handle.h"
 
 #include <cstddef>

@@ -1,5 +1,7 @@
 #include "host/review/XmlParser.h"
 
+#include "common/ComPtr.h"
+
 #include <windows.h>
 
 #include <objidl.h>
@@ -14,28 +16,6 @@
 namespace host {
 
 namespace {
-
-template <class Interface>
-class Owner {
-public:
-    Owner() = default;
-    explicit Owner(Interface* object) : object_(object) {}
-    Owner(const Owner&) = delete;
-    Owner& operator=(const Owner&) = delete;
-    ~Owner()
-    {
-        if (object_ != nullptr)
-            object_->Release();
-    }
-
-    Interface* operator->() const { return object_; }
-    [[nodiscard]] Interface* Get() const { return object_; }
-    Interface** Put() { return &object_; }
-    void** PutVoid() { return reinterpret_cast<void**>(&object_); }
-
-private:
-    Interface* object_ = nullptr;
-};
 
 // Every Windows has it; not every toolchain has a library to link it by.
 template <class Function>
@@ -125,14 +105,15 @@ std::optional<XmlFault> ParserFault(const std::string& document)
 {
     if (document.size() > std::numeric_limits<UINT>::max())
         return XmlFault{1, "the file is too large"};
-    const Owner<IStream> stream(
-        SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size())));
-    if (stream.Get() == nullptr)
+    qov::ComPtr<IStream> stream;
+    *stream.Put() =
+        SHCreateMemStream(reinterpret_cast<const BYTE*>(document.data()), static_cast<UINT>(document.size()));
+    if (!stream)
         throw std::bad_alloc();
-    Owner<IUnknown> input;
+    qov::ComPtr<IUnknown> input;
     Check(XmlLite<decltype(CreateXmlReaderInputWithEncodingName)>("CreateXmlReaderInputWithEncodingName")(
         stream.Get(), nullptr, L"UTF-8", FALSE, nullptr, input.Put()));
-    Owner<IXmlReader> reader;
+    qov::ComPtr<IXmlReader> reader;
     Check(XmlLite<decltype(CreateXmlReader)>("CreateXmlReader")(__uuidof(IXmlReader), reader.PutVoid(), nullptr));
     Check(reader->SetProperty(XmlReaderProperty_MaxElementDepth, std::numeric_limits<INT>::max()));
     Check(reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit));

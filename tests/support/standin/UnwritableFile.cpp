@@ -1,5 +1,5 @@
 // A read-only file stops everybody but an administrator, who may overwrite any file: that right is laid down meanwhile.
-#include "support/Scratch.h"
+#include "support/UnwritableFile.h"
 
 #include <linux/capability.h>
 #include <sys/syscall.h>

@@ -1,5 +1,5 @@
 // Another user of the file lets nobody write: that stops an administrator too, whom a read-only file may not.
-#include "support/Scratch.h"
+#include "support/UnwritableFile.h"
 
 #include <windows.h>
 
