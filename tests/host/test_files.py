@@ -165,3 +165,12 @@ def test_interruption_leaves_nothing(folder, number):
                              *folder.command("apply", "--backup")], cwd=folder.path, capture_output=True, timeout=60)
     assert traced.returncode in (-number, 128 + number)
     assert folder.contents() == before
+
+
+@posix_only
+@pytest.mark.parametrize("closed, code", [(">&-", 1), ("2>&-", 0), ("<&- >&- 2>&-", 1)])
+def test_closed_streams_are_no_files(folder, applied, closed, code):
+    """The next file that is opened takes a closed stream's number, and with it what is printed."""
+    script = f'exec {closed}; exec "$@"'
+    result = subprocess.run(["bash", "-c", script, "-", *folder.command("apply")], cwd=folder.path, timeout=120)
+    assert (result.returncode, folder.contents()) == (code, applied)
