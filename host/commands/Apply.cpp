@@ -152,7 +152,7 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, true,
+    return RunCommand(options, options.backupSuffix.value_or(""), true,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });

@@ -15,8 +15,10 @@ namespace host {
 
 using CommandBody = std::function<ExitCode(const ChosenMachine&, const Console&, LogFile&)>;
 
-// Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted.
-ExitCode RunCommand(const CommonOptions& options, bool needsMachine, const CommandBody& body);
+// Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted. The
+// suffix of backups is empty when the command has nothing to do with them.
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+                    const CommandBody& body);
 
 class Ending {
 public:

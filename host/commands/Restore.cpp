@@ -37,10 +37,11 @@ ExitCode Restore(const RestoreOptions& options, const Console& console, Ending& 
 
 ExitCode RunRestore(const RestoreOptions& options)
 {
-    return RunCommand(options, false, [&options](const ChosenMachine&, const Console& console, LogFile& logFile) {
-        Ending ending(options, console, logFile);
-        return Restore(options, console, ending);
-    });
+    return RunCommand(options, options.backupSuffix, false,
+                      [&options](const ChosenMachine&, const Console& console, LogFile& logFile) {
+                          Ending ending(options, console, logFile);
+                          return Restore(options, console, ending);
+                      });
 }
 
 }  // namespace host

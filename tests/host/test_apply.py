@@ -3,6 +3,7 @@ import os
 import subprocess
 
 import pytest
+from conftest import PROJECT
 
 CONFIGURATION, SETTINGS, PIPELINES = "QovConfiguration.xml", "QovSettings.xml", "ApoPipelinesDefinition.xml"
 
@@ -46,8 +47,13 @@ def test_output_goes_where_it_belongs(folder):
 @pytest.mark.parametrize("call", [
     [], ["apply"], ["apply", "--colour"], ["apply", "--backup="], ["apply", "--backup=a/b"], ["apply", "--exit-code"],
     ["apply", "--quiet", "--verbose"], ["apply", "--log-file", CONFIGURATION], ["apply", "--log-file", f"./{SETTINGS}"],
-    ["apply", "--machine", "missing.json"], ["restore", "--backup="]])
+    ["apply", "--machine", "missing.json"], ["apply", "--machine", ""], ["apply", "--log-file", ""], ["restore", "--backup="],
+    ["apply", "--backup", "--log-file", CONFIGURATION + ".bak"], ["restore", "--log-file", f"./{SETTINGS}.bak"],
+    ["apply", "--backup", "--log-file", f"./{PIPELINES}.bak"], ["apply", "--log-file", CONFIGURATION + ".qovxml-old"],
+    ["apply", "--machine", "own.json", "--log-file", "./own.json"]])
 def test_wrong_usage(folder, call):
+    folder["own.json"] = (PROJECT / "examples" / "machines" / "laptop-sfx.json").read_bytes()
+    folder[SETTINGS + ".bak"] = b"precious"
     before = folder.contents()
     if call in ([], ["apply"]):
         result = subprocess.run(folder.command("apply")[:-8] + call if call else folder.command("apply")[:-9],
