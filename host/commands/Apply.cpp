@@ -2,6 +2,7 @@
 #include "host/commands/Ending.h"
 #include "host/files/FileSession.h"
 #include "host/files/Interrupt.h"
+#include "host/files/Messages.h"
 #include "host/review/Findings.h"
 #include "host/review/OutcomeChecks.h"
 #include "host/review/Report.h"
@@ -14,14 +15,6 @@
 namespace host {
 
 namespace {
-
-std::string Joined(const std::vector<std::string>& lines)
-{
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : "\n") + line;
-    return text;
-}
 
 std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
 {
@@ -61,15 +54,13 @@ public:
     {
         try {
             FileSession session(options_.files, options_.dryRun ? Purpose::Look : Purpose::Change);
-            const std::vector<std::string> notices = session.Notices();
             if (options_.dryRun)
-                ending_.AddWarnings(notices);
+                ending_.AddWarnings(session.Notices());
             else
-                for (const std::string& notice : notices)
-                    console_.Step(notice);
+                ending_.TellNotices(session.Notices());
             const std::vector<std::string> problems = session.Problems();
             if (!problems.empty())
-                return ending_.Failed(FileProblemFound, Joined(problems));
+                return ending_.Failed(FileProblemFound, messages::Joined(problems));
             console_.Step("The three files can be used.");
             return RehearseAndApply(session);
         } catch (const FileProblem& problem) {
@@ -106,6 +97,8 @@ private:
     {
         const std::vector<FileChange> changes = Changes(outcome);
         ending_.report.files = FileReports(outcome);
+        for (FileReport& file : ending_.report.files)
+            file.changed = file.changed && options_.dryRun;  // else not yet
         if (options_.diff)
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
@@ -121,6 +114,8 @@ private:
 
         const std::vector<std::string> backups = session.PutInPlace(changes, options_.backupSuffix);
         for (FileReport& file : ending_.report.files) {
+            file.changed = std::any_of(changes.begin(), changes.end(),
+                                       [&file](const FileChange& change) { return change.path == file.path; });
             const std::string backup = file.path + options_.backupSuffix.value_or("");
             if (file.changed && std::find(backups.begin(), backups.end(), backup) != backups.end())
                 file.backup = backup;
@@ -131,12 +126,8 @@ private:
         return ending_.With(Done, Summary(ending_.report, findings));
     }
 
-    // What would change is told in a dry run alone.
     ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)
     {
-        if (!options_.dryRun)
-            for (FileReport& file : ending_.report.files)
-                file.changed = false;
         ending_.report.outcome = outcome;
         return ending_.With(code, Summary(ending_.report, findings));
     }

@@ -92,13 +92,17 @@ ExitCode Ending::Failed(ExitCode code, const std::string& problems)
 {
     report.outcome = code == FileProblemFound ? "file-problem" : "failed";
     report.message = problems;
-    for (FileReport& file : report.files) {
-        file.changed = false;
-        file.backup.reset();
-    }
     console_.Error(problems);
     logFile_.Write(problems);
     return Finish(code);
+}
+
+void Ending::TellNotices(const std::vector<std::string>& notices)
+{
+    for (const std::string& notice : notices) {
+        console_.Notice(notice);
+        logFile_.Write(notice);
+    }
 }
 
 void Ending::AddWarnings(const std::vector<std::string>& warnings)

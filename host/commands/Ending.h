@@ -29,6 +29,8 @@ public:
 
     // Failed, or refused: `problems` are one or several lines, already fit to be shown.
     ExitCode Failed(ExitCode code, const std::string& problems);
+    // What was healed of a killed run.
+    void TellNotices(const std::vector<std::string>& notices);
     // Every warning is told when it is added.
     void AddWarnings(const std::vector<std::string>& warnings);
     // Shows summary and diff; the report is whole. The exit code is `code`, unless standard output cannot be written.

@@ -207,6 +207,8 @@ std::vector<GivenFile> FileSession::Parts::WithBackups(const std::string& backup
             messages::Telling(backup, messages::NotFound, [&] { return platform::KindOfName(backup); });
         if (kind == platform::Kind::Missing) {
             none.push_back(Line(file.path, messages::NoBackup, backup));
+            if (&file != &files.back())
+                AddMissing(file, problems);
             continue;
         }
         if (kind != platform::Kind::Regular)
@@ -224,36 +226,33 @@ std::vector<GivenFile> FileSession::Parts::WithBackups(const std::string& backup
         found.push_back(file);
     }
     AddGivenTwice(files, problems);
-    ThrowIfAny(problems);
     if (found.empty())
-        ThrowIfAny(none);
+        problems.insert(problems.end(), none.begin(), none.end());
+    ThrowIfAny(problems);
     return found;
 }
 
-std::vector<std::string> FileSession::Restore(const std::string& backupSuffix)
+Restored FileSession::Restore(const std::string& backupSuffix)
 {
-    std::vector<FileChange> changes;
-    std::vector<std::string> paths;
+    Restored restored;
     for (const GivenFile& file : parts_->WithBackups(backupSuffix)) {
         const auto read = [](const std::string& path) {
             return messages::Telling(path, messages::Unreadable, [&] { return platform::Read(path); });
         };
-        changes.push_back({file.path, read(file.path), read(file.path + backupSuffix)});
-        paths.push_back(file.path);
+        restored.files.push_back({file.path, read(file.path), read(file.path + backupSuffix)});
     }
-    PutInPlace(changes, std::nullopt);
+    PutInPlace(restored.files, std::nullopt);
 
-    std::vector<std::string> problems;
-    for (const std::string& path : paths) {
+    for (const FileChange& file : restored.files) {
+        const std::string backup = file.path + backupSuffix;
         try {
-            platform::Remove(path + backupSuffix);
-            platform::FlushFolder(path);
+            platform::Remove(backup);
+            platform::FlushFolder(backup);
         } catch (const platform::SystemFailure& failure) {
-            problems.push_back(Line(path + backupSuffix, messages::BackupNotRemoved, failure.what()));
+            restored.notRemoved.push_back(Line(backup, messages::BackupNotRemoved, failure.what()));
         }
     }
-    ThrowIfAny(problems);
-    return paths;
+    return restored;
 }
 
 }  // namespace host

@@ -107,6 +107,12 @@ def test_json_says_it_all(folder, applied):
     assert [file["backup"] for file in done["files"]] == \
         [file["path"] + ".old" if file["changed"] else None for file in preview["files"]]
     assert folder.json("apply")[1]["outcome"] == "unchanged"
+    code, back = folder.json("restore", "--backup=.old")
+    assert (code, back["outcome"]) == (0, "done")
+    for file, undone in zip(preview["files"], back["files"]):
+        assert undone["changed"] == file["changed"] and undone["backup"] is None
+        assert undone["lines"] == [{"line": change["line"], "before": change["after"], "after": change["before"]}
+                                   for change in file["lines"]]
 
 
 @pytest.mark.parametrize("ends", [b"\n", b"\r\n"])
