@@ -6,7 +6,6 @@
 #include <exception>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
 
 namespace rehearsal {
@@ -63,7 +62,7 @@ public:
             std::ofstream file(copy, std::ios::binary);
             file << *files[index].before << std::flush;
             if (!file)
-                throw std::runtime_error("The copy " + copy + " of " + original + " cannot be written");
+                throw NoCopies("The copy " + copy + " of " + original + " cannot be written");
         }
         return files;
     }

@@ -9,6 +9,8 @@
 #include "host/review/ShownText.h"
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
+#include "rehearsal/TemporaryFolder.h"
+#include "simulation/Platform.h"
 
 #include <algorithm>
 
@@ -48,6 +50,8 @@ public:
     Application(const ApplyOptions& options, const ChosenMachine& machine, const Console& console, LogFile& logFile)
         : options_(options), machine_(machine), console_(console), logFile_(logFile), ending_(options, console, logFile)
     {
+        if (options.diff)
+            ending_.report.diff.emplace();
     }
 
     ExitCode Run()
@@ -65,6 +69,12 @@ public:
             return RehearseAndApply(session);
         } catch (const FileProblem& problem) {
             return ending_.Failed(FileProblemFound, problem.what());
+        } catch (const simulation::UnusableMachine& unusable) {
+            return TellWrongUsage(Harmless(machine_.name) + ": " + Harmless(unusable.what()));
+        } catch (const rehearsal::NoCopies& failure) {
+            return ending_.Failed(RunFailed, Harmless(failure.what()) +
+                                                 ". What to do: Make room in the folder for temporary files, or name "
+                                                 "another one (TMPDIR, on Windows TMP).");
         } catch (const std::exception& failure) {
             return ending_.Failed(RunFailed, Harmless(failure.what()));
         }

@@ -100,9 +100,10 @@ std::vector<std::string> FileSession::Problems() const
             AddMissing(file, problems);
         if (file.problem)
             problems.push_back(*file.problem);
-        if (!file.IsUsable())
+        if (file.facts.kind != platform::Kind::Regular)
             continue;
-        AddUnusableContent(file, problems);
+        if (file.IsUsable())
+            AddUnusableContent(file, problems);
         if (parts_->purpose == Purpose::Change)
             AddUnwritable(file, problems);
     }

@@ -102,6 +102,7 @@ def test_json_says_it_all(folder, applied):
             lines[change["line"] - 1] = change["after"]
         assert "\r\n".join(lines).encode("latin-1") == applied[file["path"]]
         assert file["changed"] == bool(file["lines"]) and file["backup"] is None
+    assert folder.json("apply", "--diff", machine="refused-two-modes")[1]["diff"] == ""
     code, done = folder.json("apply", "--backup=.old")
     assert (code, done["outcome"]) == (0, "done") and "diff" not in done
     assert [file["backup"] for file in done["files"]] == \
@@ -154,3 +155,19 @@ def test_file_content_and_names_of_any_script(folder):
     (folder.path / "m\u00e4chine.json").write_text(text, encoding="utf-8")
     code, outcome = folder.json("apply", "--machine", "m\u00e4chine.json", "--diff", machine=None)
     assert code in (0, 1) and "\ufffd" in json.dumps(outcome, ensure_ascii=False) or code == 1
+
+
+@pytest.mark.posix
+def test_what_is_shown_of_a_path_is_harmless(folder):
+    folder.names["settings"] = "\x1b[31m\nred\udcff.xml"
+    result = folder.run("apply")
+    assert result.returncode == 3 and result.stderr.startswith("error: \\x1B[31m\\x0Ared\ufffd.xml: does not exist")
+
+
+def test_machine_that_cannot_be_simulated_is_wrong_usage(folder):
+    text = (PROJECT / "examples" / "machines" / "laptop-sfx.json").read_text(encoding="utf-8")
+    name = "{233164c8-1b2c-4c7d-bc68-b671687a2567},1"
+    folder["twice.json"] = text.replace(f'"{name}":', f'"{name.upper()}": 1, "{name}":').encode()
+    before = folder.contents()
+    result = folder.run("apply", "--machine", "twice.json", machine=None)
+    assert (result.returncode, result.stdout, folder.contents()) == (2, "", before), result.stderr

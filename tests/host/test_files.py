@@ -67,7 +67,8 @@ def test_rights(folder):
             os.chown(path, 65534, 65534)
     result = as_nobody(folder, folder.command("apply"))
     assert result.returncode == 3
-    assert [name for line in result.stderr.splitlines() for name in NAMES if name in line] == [CONFIGURATION, SETTINGS]
+    problems = [name for line in result.stderr.splitlines() for name in NAMES if name in line]
+    assert problems == [CONFIGURATION, SETTINGS, SETTINGS]  # unwritable; unreadable and unwritable
     (folder.path / SETTINGS).chmod(0o444)
     dry = as_nobody(folder, folder.command("apply", "--dry-run"))
     assert dry.returncode == 0 and dry.stderr.count("warning: ") == 2, dry.stderr
@@ -137,6 +138,14 @@ def test_full_disk_leaves_everything_as_it_was(folder, applied, tmp_path_factory
         assert (result.returncode, after) in ((0, done), (3, before)), result.stderr
     # Full at the first backup, ..., at the last file; and wide enough.
     assert codes == sorted(codes, reverse=True) and codes.count(3) >= 6 and codes.count(0) >= 2
+
+
+@posix_only
+def test_no_room_for_copies(folder):
+    before = folder.contents()
+    result = folder.run("apply", env={**os.environ, "TMPDIR": str(folder.path / "missing")})
+    assert (result.returncode, folder.contents()) == (1, before)
+    assert "What to do: " in result.stderr and "TMPDIR" in result.stderr
 
 
 @posix_only
