@@ -31,7 +31,11 @@ void AddCommonOptions(CLI::App& command, CommonOptions& options)
         ->excludes(machine);
     auto* const quiet = command.add_flag("--quiet", options.quiet, "tell warnings and the outcome only");
     command.add_flag("--verbose", options.verbose, "tell the whole log of the library")->excludes(quiet);
-    command.add_option("--log-file", options.logFile, "write the whole log to this file")->type_name("FILE");
+    auto* const logFile =
+        command.add_option("--log-file", options.logFile, "write the whole log to this file")->type_name("FILE");
+    // An empty name, as of a variable that is not set, must not read as none.
+    for (CLI::Option* const option : {machine, logFile})
+        option->check([](const std::string& path) { return path.empty() ? "the file has no name" : ""; });
     command.add_flag("--json", options.json, "print one JSON object on standard output and nothing else there");
     command.add_flag("--no-color", options.noColor, "no colours (NO_COLOR in the environment does the same)");
 }
@@ -66,7 +70,7 @@ std::variant<ApplyOptions, RestoreOptions, ExitCode> ReadCommandLine(int argc, c
                  "qovxml-configure");
     app.set_version_flag("--version", "qovxml-configure " QOVXML_VERSION);
     app.require_subcommand(1);
-    app.footer(std::string(ApplyExample) + "\n\n" + Footer);
+    app.footer(std::string(ApplyExample) + "\n\n" + RestoreExample + "\n\n" + Footer);
 
     CLI::App& apply = *app.add_subcommand("apply", "Fit the three files to the machine, safely.");
     AddCommonOptions(apply, applyOptions);
@@ -89,7 +93,7 @@ std::variant<ApplyOptions, RestoreOptions, ExitCode> ReadCommandLine(int argc, c
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? Done : WrongUsage;
+        return app.exit(error) != 0 ? WrongUsage : std::cout.flush() ? Done : RunFailed;
     }
     // An empty value of a flag would read as none.
     if (std::find(argv, argv + argc, std::string_view("--backup=")) != argv + argc)

@@ -43,6 +43,12 @@ void Console::Step(const std::string& text) const
         std::cerr << text << '\n';
 }
 
+void Console::Notice(const std::string& text) const
+{
+    if (!quiet_)
+        std::cerr << text << '\n';
+}
+
 void Console::Outcome(std::string_view text) const
 {
     if (quiet_)

@@ -17,6 +17,8 @@ public:
 
     // One step of the account; left out with --quiet, and with --verbose too, where the log tells more.
     void Step(const std::string& text) const;
+    // What is no step of the account: left out with --quiet alone.
+    void Notice(const std::string& text) const;
     // What is left of account and summary with --quiet.
     void Outcome(std::string_view text) const;
     // The library's own log, with --verbose.

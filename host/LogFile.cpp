@@ -2,6 +2,7 @@
 
 #include "host/Console.h"
 #include "host/ThisMachine.h"
+#include "host/review/ShownText.h"
 
 #include <ctime>
 
@@ -28,7 +29,7 @@ LogFile::LogFile(const std::string& path, const std::string& machineName) : want
     file_.open(path, std::ios::binary);
     Write("qovxml-configure " QOVXML_VERSION);
     Write("System:  " + SystemName());
-    Write("Machine: " + machineName);
+    Write("Machine: " + Harmless(machineName));
     Write("Time:    " + Now());
     Write("");
 }

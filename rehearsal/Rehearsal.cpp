@@ -7,7 +7,6 @@
 #include <exception>
 #include <fstream>
 #include <sstream>
-#include <stdexcept>
 #include <utility>
 
 namespace rehearsal {
@@ -55,7 +54,7 @@ public:
             std::ofstream file(copy, std::ios::binary);
             file << *files[index].before << std::flush;
             if (!file)
-                throw std::runtime_error("The copy " + copy + " of " + original + " cannot be written");
+                throw NoCopies("The copy " + copy + " of " + original + " cannot be written");
         }
         return files;
     }

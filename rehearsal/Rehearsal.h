@@ -40,7 +40,7 @@ struct Outcome {
 // described machine or on the one that this process runs on, whose selectors are then switched for good. The originals
 // are opened for reading only; messages name the original paths. Nothing is left behind, however it ends.
 //
-// Throws std::runtime_error when the copies cannot be made, and what SimulatedMachine throws.
+// Throws NoCopies when the copies cannot be made, and what SimulatedMachine throws.
 Outcome Rehearse(const machine::MachineDescription& machine, const QovXml::Config& files);
 Outcome Rehearse(const QovXml::Config& files);
 

@@ -1,7 +1,6 @@
 #include "rehearsal/TemporaryFolder.h"
 
 #include <random>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -44,7 +43,7 @@ TemporaryFolder::TemporaryFolder()
     std::error_code error;
     const fs::path parent = fs::temp_directory_path(error);
     if (error)
-        throw std::runtime_error("There is no temporary folder: " + error.message());
+        throw NoCopies("There is no temporary folder: " + error.message());
     RemoveAbandoned(parent);
     std::random_device random;
     // Another process may take a folder for an abandoned one before it is claimed.
@@ -60,8 +59,8 @@ TemporaryFolder::TemporaryFolder()
         }
     }
     if (!claim_ || error)
-        throw std::runtime_error("The temporary folder " + path_.string() +
-                                 " cannot be made: " + (error ? error.message() : "it cannot be locked"));
+        throw NoCopies("The temporary folder " + path_.string() +
+                       " cannot be made: " + (error ? error.message() : "it cannot be locked"));
 }
 
 TemporaryFolder::~TemporaryFolder() { RemoveClaimed(path_, std::move(claim_)); }

@@ -2,6 +2,7 @@
 
 #include "common/Owners.h"
 #include "machine/Utf16.h"
+#include "simulation/Platform.h"
 
 #include <random>
 #include <stdexcept>
@@ -30,8 +31,8 @@ qov::RegistryKey CreateKey(HKEY parent, const std::wstring& path)
 void WriteValue(const qov::RegistryKey& key, const machine::RegistryValue& value)
 {
     if (RegQueryValueExW(key.Get(), value.name.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS)
-        throw std::runtime_error("The simulated registry cannot hold the value " + machine::Utf16ToUtf8(value.name) +
-                                 " twice: it takes no account of letter case");
+        throw UnusableMachine("The simulated registry cannot hold the value " + machine::Utf16ToUtf8(value.name) +
+                              " twice: it takes no account of letter case");
     // Windows adds a terminator to a text that lacks one where the unit behind it is NUL: put another one there.
     machine::Bytes data = value.data;
     data.insert(data.end(), 2, 0xFF);

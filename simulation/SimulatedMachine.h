@@ -16,7 +16,7 @@ namespace simulation {
 
 // While it lives, this process sees the described machine: the device enumerator of the multithreaded COM apartment
 // lists its endpoints, and HKEY_LOCAL_MACHINE holds its registry. One at a time. The thread that makes it joins no
-// apartment. Throws std::runtime_error when the system refuses.
+// apartment. Throws UnusableMachine, or std::runtime_error when the system refuses.
 class SimulatedMachine {
 public:
     explicit SimulatedMachine(machine::MachineDescription description);

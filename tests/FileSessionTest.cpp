@@ -16,6 +16,7 @@ using host::FileChange;
 using host::FileProblem;
 using host::FileSession;
 using host::Purpose;
+using host::Restored;
 
 using Names = std::set<std::string>;
 
@@ -89,7 +90,12 @@ TEST_F(FileSessionTest, PutsAllFilesInPlaceAndRestoresThem)
 
     WriteBytes(Path("b.xml"), "edited since");
     fs::remove(Path("a.xml.bak"));
-    EXPECT_EQ(FileSession(config_, Purpose::Change).Restore(".bak"), (std::vector{Path("b.xml"), Path("c.xml")}));
+    const Restored restored = FileSession(config_, Purpose::Change).Restore(".bak");
+    ASSERT_EQ(restored.files.size(), 2u);
+    EXPECT_EQ(restored.files[0].path, Path("b.xml"));
+    EXPECT_EQ(restored.files[0].before, "edited since");
+    EXPECT_EQ(restored.files[0].after, "old b.xml");
+    EXPECT_TRUE(restored.notRemoved.empty());
     EXPECT_EQ(Bytes("a.xml"), "the new a");
     EXPECT_EQ(Bytes("b.xml"), "old b.xml");
     EXPECT_EQ(Bytes("c.xml"), "old c.xml");
@@ -233,7 +239,10 @@ TEST_F(FileSessionTest, RefusesToRestoreWhatHasNoBackupOrNoOriginal)
     const std::string orphan = restore(config_);
     EXPECT_EQ(orphan.find("c.xml.bak: is the backup of a file that does not exist"), 0u) << orphan;
     EXPECT_EQ(Bytes("a.xml"), "old a.xml");
-    EXPECT_EQ(FilesThere(), (Names{"a.xml", "a.xml.bak", "b.xml", "c.xml.bak"}));
+    fs::remove(Path("b.xml"));
+    const std::string missing = restore(config_);
+    EXPECT_EQ(missing.find("b.xml: does not exist"), 0u) << missing;
+    EXPECT_EQ(FilesThere(), (Names{"a.xml", "a.xml.bak", "c.xml.bak"}));
 }
 
 TEST(TemporaryFolderTest, RemovesWhatKilledProcessesLeftAndNothingElse)

@@ -2,26 +2,21 @@
 #include "host/commands/Ending.h"
 #include "host/files/FileSession.h"
 #include "host/files/Interrupt.h"
+#include "host/files/Messages.h"
 #include "host/review/Findings.h"
 #include "host/review/OutcomeChecks.h"
 #include "host/review/Report.h"
 #include "host/review/ShownText.h"
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
+#include "rehearsal/TemporaryFolder.h"
+#include "simulation/Platform.h"
 
 #include <algorithm>
 
 namespace host {
 
 namespace {
-
-std::string Joined(const std::vector<std::string>& lines)
-{
-    std::string text;
-    for (const std::string& line : lines)
-        text += (text.empty() ? "" : "\n") + line;
-    return text;
-}
 
 std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
 {
@@ -55,25 +50,31 @@ public:
     Application(const ApplyOptions& options, const ChosenMachine& machine, const Console& console, LogFile& logFile)
         : options_(options), machine_(machine), console_(console), logFile_(logFile), ending_(options, console, logFile)
     {
+        if (options.diff)
+            ending_.report.diff.emplace();
     }
 
     ExitCode Run()
     {
         try {
             FileSession session(options_.files, options_.dryRun ? Purpose::Look : Purpose::Change);
-            const std::vector<std::string> notices = session.Notices();
             if (options_.dryRun)
-                ending_.AddWarnings(notices);
+                ending_.AddWarnings(session.Notices());
             else
-                for (const std::string& notice : notices)
-                    console_.Step(notice);
+                ending_.TellNotices(session.Notices());
             const std::vector<std::string> problems = session.Problems();
             if (!problems.empty())
-                return ending_.Failed(FileProblemFound, Joined(problems));
+                return ending_.Failed(FileProblemFound, messages::Joined(problems));
             console_.Step("The three files can be used.");
             return RehearseAndApply(session);
         } catch (const FileProblem& problem) {
             return ending_.Failed(FileProblemFound, problem.what());
+        } catch (const simulation::UnusableMachine& unusable) {
+            return TellWrongUsage(Harmless(machine_.name) + ": " + Harmless(unusable.what()));
+        } catch (const rehearsal::NoCopies& failure) {
+            return ending_.Failed(RunFailed, Harmless(failure.what()) +
+                                                 ". What to do: Make room in the folder for temporary files, or name "
+                                                 "another one (TMPDIR, on Windows TMP).");
         } catch (const std::exception& failure) {
             return ending_.Failed(RunFailed, Harmless(failure.what()));
         }
@@ -106,6 +107,8 @@ private:
     {
         const std::vector<FileChange> changes = Changes(outcome);
         ending_.report.files = FileReports(outcome);
+        for (FileReport& file : ending_.report.files)
+            file.changed = file.changed && options_.dryRun;  // else not yet
         if (options_.diff)
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
@@ -121,6 +124,8 @@ private:
 
         const std::vector<std::string> backups = session.PutInPlace(changes, options_.backupSuffix);
         for (FileReport& file : ending_.report.files) {
+            file.changed = std::any_of(changes.begin(), changes.end(),
+                                       [&file](const FileChange& change) { return change.path == file.path; });
             const std::string backup = file.path + options_.backupSuffix.value_or("");
             if (file.changed && std::find(backups.begin(), backups.end(), backup) != backups.end())
                 file.backup = backup;
@@ -131,12 +136,8 @@ private:
         return ending_.With(Done, Summary(ending_.report, findings));
     }
 
-    // What would change is told in a dry run alone.
     ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)
     {
-        if (!options_.dryRun)
-            for (FileReport& file : ending_.report.files)
-                file.changed = false;
         ending_.report.outcome = outcome;
         return ending_.With(code, Summary(ending_.report, findings));
     }
@@ -152,7 +153,7 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, true,
+    return RunCommand(options, options.backupSuffix.value_or(""), true,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });

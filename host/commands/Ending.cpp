@@ -1,6 +1,7 @@
 #include "host/commands/Ending.h"
 
 #include "host/files/Interrupt.h"
+#include "host/files/Leftovers.h"
 #include "host/review/ShownText.h"
 
 #include <nlohmann/json.hpp>
@@ -25,23 +26,42 @@ constexpr OutcomeText OutcomeTexts[] = {
     {"warnings", "Stopped by warnings: nothing was changed."},
 };
 
-// By path, link or hard link: it would be emptied before it is read.
-bool IsOneOfTheFiles(const std::string& logFile, const QovXml::Config& files)
+// By path, link or hard link; that there is no such file yet makes no difference.
+bool IsSameFile(const std::string& path, const std::string& other)
 {
-    const auto same = [&logFile](const std::string& file) {
-        std::error_code ignored;
-        return logFile == file || std::filesystem::equivalent(logFile, file, ignored);
-    };
-    return !logFile.empty() &&
-           (same(files.ConfigurationFile) || same(files.SettingsFile) || same(files.ApoPipelinesDefinitionFile));
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (path == other || fs::equivalent(path, other, error))
+        return true;
+    const fs::path whole = fs::weakly_canonical(fs::absolute(path), error);
+    return !error && whole == fs::weakly_canonical(fs::absolute(other), error) && !error;
+}
+
+// What must not become the log, which is emptied before anything is read.
+std::string_view UseOf(const std::string& path, const CommonOptions& options, const std::string& backupSuffix)
+{
+    if (IsReservedName(path))
+        return "has a name that is kept for temporary files";
+    if (!options.machineFile.empty() && IsSameFile(path, options.machineFile))
+        return "is the machine file";
+    for (const std::string& file :
+         {options.files.ConfigurationFile, options.files.SettingsFile, options.files.ApoPipelinesDefinitionFile}) {
+        if (IsSameFile(path, file))
+            return "is one of the three files";
+        if (!backupSuffix.empty() && IsSameFile(path, file + backupSuffix))
+            return "is the backup of one of the three files";
+    }
+    return {};
 }
 
 }  // namespace
 
-ExitCode RunCommand(const CommonOptions& options, bool needsMachine, const CommandBody& body)
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+                    const CommandBody& body)
 {
-    if (IsOneOfTheFiles(options.logFile, options.files))
-        return TellWrongUsage("--log-file: " + Harmless(options.logFile) + " is one of the three files");
+    if (!options.logFile.empty())
+        if (const std::string_view use = UseOf(options.logFile, options, backupSuffix); !use.empty())
+            return TellWrongUsage("--log-file: " + Harmless(options.logFile) + " " + std::string(use));
     ChosenMachine machine;
     try {
         machine = ChooseMachine(options, needsMachine);
@@ -72,13 +92,17 @@ ExitCode Ending::Failed(ExitCode code, const std::string& problems)
 {
     report.outcome = code == FileProblemFound ? "file-problem" : "failed";
     report.message = problems;
-    for (FileReport& file : report.files) {
-        file.changed = false;
-        file.backup.reset();
-    }
     console_.Error(problems);
     logFile_.Write(problems);
     return Finish(code);
+}
+
+void Ending::TellNotices(const std::vector<std::string>& notices)
+{
+    for (const std::string& notice : notices) {
+        console_.Notice(notice);
+        logFile_.Write(notice);
+    }
 }
 
 void Ending::AddWarnings(const std::vector<std::string>& warnings)

@@ -15,8 +15,10 @@ namespace host {
 
 using CommandBody = std::function<ExitCode(const ChosenMachine&, const Console&, LogFile&)>;
 
-// Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted.
-ExitCode RunCommand(const CommonOptions& options, bool needsMachine, const CommandBody& body);
+// Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted. The
+// suffix of backups is empty when the command has nothing to do with them.
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+                    const CommandBody& body);
 
 class Ending {
 public:
@@ -27,6 +29,8 @@ public:
 
     // Failed, or refused: `problems` are one or several lines, already fit to be shown.
     ExitCode Failed(ExitCode code, const std::string& problems);
+    // What was healed of a killed run.
+    void TellNotices(const std::vector<std::string>& notices);
     // Every warning is told when it is added.
     void AddWarnings(const std::vector<std::string>& warnings);
     // Shows summary and diff; the report is whole. The exit code is `code`, unless standard output cannot be written.

@@ -101,9 +101,10 @@ std::vector<std::string> FileSession::Problems() const
             AddMissing(file, problems);
         if (file.problem)
             problems.push_back(*file.problem);
-        if (!file.IsUsable())
+        if (file.facts.kind != platform::Kind::Regular)
             continue;
-        AddUnusableContent(file, problems);
+        if (file.IsUsable())
+            AddUnusableContent(file, problems);
         if (parts_->purpose == Purpose::Change)
             AddUnwritable(file, problems);
     }
@@ -208,6 +209,8 @@ std::vector<GivenFile> FileSession::Parts::WithBackups(const std::string& backup
             messages::Telling(backup, messages::NotFound, [&] { return platform::KindOfName(backup); });
         if (kind == platform::Kind::Missing) {
             none.push_back(Line(file.path, messages::NoBackup, backup));
+            if (&file != &files.back())
+                AddMissing(file, problems);
             continue;
         }
         if (kind != platform::Kind::Regular)
@@ -225,36 +228,33 @@ std::vector<GivenFile> FileSession::Parts::WithBackups(const std::string& backup
         found.push_back(file);
     }
     AddGivenTwice(files, problems);
-    ThrowIfAny(problems);
     if (found.empty())
-        ThrowIfAny(none);
+        problems.insert(problems.end(), none.begin(), none.end());
+    ThrowIfAny(problems);
     return found;
 }
 
-std::vector<std::string> FileSession::Restore(const std::string& backupSuffix)
+Restored FileSession::Restore(const std::string& backupSuffix)
 {
-    std::vector<FileChange> changes;
-    std::vector<std::string> paths;
+    Restored restored;
     for (const GivenFile& file : parts_->WithBackups(backupSuffix)) {
         const auto read = [](const std::string& path) {
             return messages::Telling(path, messages::Unreadable, [&] { return platform::Read(path); });
         };
-        changes.push_back({file.path, read(file.path), read(file.path + backupSuffix)});
-        paths.push_back(file.path);
+        restored.files.push_back({file.path, read(file.path), read(file.path + backupSuffix)});
     }
-    PutInPlace(changes, std::nullopt);
+    PutInPlace(restored.files, std::nullopt);
 
-    std::vector<std::string> problems;
-    for (const std::string& path : paths) {
+    for (const FileChange& file : restored.files) {
+        const std::string backup = file.path + backupSuffix;
         try {
-            platform::Remove(path + backupSuffix);
-            platform::FlushFolder(path);
+            platform::Remove(backup);
+            platform::FlushFolder(backup);
         } catch (const platform::SystemFailure& failure) {
-            problems.push_back(Line(path + backupSuffix, messages::BackupNotRemoved, failure.what()));
+            restored.notRemoved.push_back(Line(backup, messages::BackupNotRemoved, failure.what()));
         }
     }
-    ThrowIfAny(problems);
-    return paths;
+    return restored;
 }
 
 }  // namespace host

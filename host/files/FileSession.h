@@ -23,6 +23,11 @@ struct FileChange {
     std::string after;
 };
 
+struct Restored {
+    std::vector<FileChange> files;        // those that had a backup: what they held, and what they hold now
+    std::vector<std::string> notRemoved;  // a line for each backup that is still there
+};
+
 // To look reads only; to change locks the files and heals what a killed run left.
 enum class Purpose { Look, Change };
 
@@ -53,9 +58,9 @@ public:
     // backups. Throws FileProblem or Interrupted with everything put back and no backup left.
     std::vector<std::string> PutInPlace(const std::vector<FileChange>& changes,
                                         const std::optional<std::string>& backupSuffix);
-    // Puts back every file that has a backup, all or none, then removes the backups. Gives the paths of the files.
-    // Throws as PutInPlace does, and FileProblem when there is no backup, or one whose original is missing.
-    std::vector<std::string> Restore(const std::string& backupSuffix);
+    // Puts back every file that has a backup, all or none, then removes the backups. Throws as PutInPlace does, and
+    // FileProblem when there is no backup or an original is missing (a pipelines definition file with neither may be).
+    Restored Restore(const std::string& backupSuffix);
 
 private:
     struct Parts;

@@ -1,8 +1,9 @@
-// Every message about a file: "<path>: <what> (<reason of the system>); <what to do>".
+// Every message about a file: "<path>: <what> (<reason of the system>); <what to do>", one line and harmless to show.
 #pragma once
 
 #include "host/files/FileSession.h"
 #include "host/files/Platform.h"
+#include "host/review/ShownText.h"
 
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ struct Message {
 
 inline std::string Line(const std::string& path, const Message& message, const std::string& detail = {})
 {
-    return path + ": " + message.what + (detail.empty() ? "" : " (" + detail + ")") + "; " + message.advice;
+    return Harmless(path + ": " + message.what + (detail.empty() ? "" : " (" + detail + ")") + "; " + message.advice);
 }
 
 inline std::string Joined(const std::vector<std::string>& lines)

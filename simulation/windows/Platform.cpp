@@ -1,7 +1,6 @@
 // Windows reports itself, and its functions cannot be watched: a machine that needs more is refused.
 #include "simulation/Platform.h"
 
-#include <stdexcept>
 #include <string>
 
 namespace simulation {
@@ -27,11 +26,11 @@ PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMon
     const machine::WindowsVersion& wanted = machine.windowsVersion;
     const bool wantsNew = wanted.major > 6 || (wanted.major == 6 && wanted.minor >= 3);
     if (wantsNew != IsAtLeast(6, 3))
-        throw std::runtime_error("This machine is described for Windows " + std::to_string(wanted.major) + "." +
-                                 std::to_string(wanted.minor) + ", but this Windows reports another generation");
+        throw UnusableMachine("This machine is described for Windows " + std::to_string(wanted.major) + "." +
+                              std::to_string(wanted.minor) + ", but this Windows reports another generation");
     for (const machine::Fault& fault : machine.faults)
         if (machine::FindPlatformCall(fault.call)->IsFunction())
-            throw std::runtime_error("Windows' own " + fault.call + " cannot be made to fail");
+            throw UnusableMachine("Windows' own " + fault.call + " cannot be made to fail");
 }
 
 PlatformScope::~PlatformScope() = default;

@@ -3,6 +3,7 @@ import os
 import subprocess
 
 import pytest
+from conftest import PROJECT
 
 CONFIGURATION, SETTINGS, PIPELINES = "QovConfiguration.xml", "QovSettings.xml", "ApoPipelinesDefinition.xml"
 
@@ -46,8 +47,13 @@ def test_output_goes_where_it_belongs(folder):
 @pytest.mark.parametrize("call", [
     [], ["apply"], ["apply", "--colour"], ["apply", "--backup="], ["apply", "--backup=a/b"], ["apply", "--exit-code"],
     ["apply", "--quiet", "--verbose"], ["apply", "--log-file", CONFIGURATION], ["apply", "--log-file", f"./{SETTINGS}"],
-    ["apply", "--machine", "missing.json"], ["restore", "--backup="]])
+    ["apply", "--machine", "missing.json"], ["apply", "--machine", ""], ["apply", "--log-file", ""], ["restore", "--backup="],
+    ["apply", "--backup", "--log-file", CONFIGURATION + ".bak"], ["restore", "--log-file", f"./{SETTINGS}.bak"],
+    ["apply", "--backup", "--log-file", f"./{PIPELINES}.bak"], ["apply", "--log-file", CONFIGURATION + ".qovxml-old"],
+    ["apply", "--machine", "own.json", "--log-file", "./own.json"]])
 def test_wrong_usage(folder, call):
+    folder["own.json"] = (PROJECT / "examples" / "machines" / "laptop-sfx.json").read_bytes()
+    folder[SETTINGS + ".bak"] = b"precious"
     before = folder.contents()
     if call in ([], ["apply"]):
         result = subprocess.run(folder.command("apply")[:-8] + call if call else folder.command("apply")[:-9],
@@ -96,11 +102,18 @@ def test_json_says_it_all(folder, applied):
             lines[change["line"] - 1] = change["after"]
         assert "\r\n".join(lines).encode("latin-1") == applied[file["path"]]
         assert file["changed"] == bool(file["lines"]) and file["backup"] is None
+    assert folder.json("apply", "--diff", machine="refused-two-modes")[1]["diff"] == ""
     code, done = folder.json("apply", "--backup=.old")
     assert (code, done["outcome"]) == (0, "done") and "diff" not in done
     assert [file["backup"] for file in done["files"]] == \
         [file["path"] + ".old" if file["changed"] else None for file in preview["files"]]
     assert folder.json("apply")[1]["outcome"] == "unchanged"
+    code, back = folder.json("restore", "--backup=.old")
+    assert (code, back["outcome"]) == (0, "done")
+    for file, undone in zip(preview["files"], back["files"]):
+        assert undone["changed"] == file["changed"] and undone["backup"] is None
+        assert undone["lines"] == [{"line": change["line"], "before": change["after"], "after": change["before"]}
+                                   for change in file["lines"]]
 
 
 @pytest.mark.parametrize("ends", [b"\n", b"\r\n"])
@@ -142,3 +155,19 @@ def test_file_content_and_names_of_any_script(folder):
     (folder.path / "m\u00e4chine.json").write_text(text, encoding="utf-8")
     code, outcome = folder.json("apply", "--machine", "m\u00e4chine.json", "--diff", machine=None)
     assert code in (0, 1) and "\ufffd" in json.dumps(outcome, ensure_ascii=False) or code == 1
+
+
+@pytest.mark.posix
+def test_what_is_shown_of_a_path_is_harmless(folder):
+    folder.names["settings"] = "\x1b[31m\nred\udcff.xml"
+    result = folder.run("apply")
+    assert result.returncode == 3 and result.stderr.startswith("error: \\x1B[31m\\x0Ared\ufffd.xml: does not exist")
+
+
+def test_machine_that_cannot_be_simulated_is_wrong_usage(folder):
+    text = (PROJECT / "examples" / "machines" / "laptop-sfx.json").read_text(encoding="utf-8")
+    name = "{233164c8-1b2c-4c7d-bc68-b671687a2567},1"
+    folder["twice.json"] = text.replace(f'"{name}":', f'"{name.upper()}": 1, "{name}":').encode()
+    before = folder.contents()
+    result = folder.run("apply", "--machine", "twice.json", machine=None)
+    assert (result.returncode, result.stdout, folder.contents()) == (2, "", before), result.stderr

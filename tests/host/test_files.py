@@ -67,7 +67,8 @@ def test_rights(folder):
             os.chown(path, 65534, 65534)
     result = as_nobody(folder, folder.command("apply"))
     assert result.returncode == 3
-    assert [name for line in result.stderr.splitlines() for name in NAMES if name in line] == [CONFIGURATION, SETTINGS]
+    problems = [name for line in result.stderr.splitlines() for name in NAMES if name in line]
+    assert problems == [CONFIGURATION, SETTINGS, SETTINGS]  # unwritable; unreadable and unwritable
     (folder.path / SETTINGS).chmod(0o444)
     dry = as_nobody(folder, folder.command("apply", "--dry-run"))
     assert dry.returncode == 0 and dry.stderr.count("warning: ") == 2, dry.stderr
@@ -140,6 +141,14 @@ def test_full_disk_leaves_everything_as_it_was(folder, applied, tmp_path_factory
 
 
 @posix_only
+def test_no_room_for_copies(folder):
+    before = folder.contents()
+    result = folder.run("apply", env={**os.environ, "TMPDIR": str(folder.path / "missing")})
+    assert (result.returncode, folder.contents()) == (1, before)
+    assert "What to do: " in result.stderr and "TMPDIR" in result.stderr
+
+
+@posix_only
 @pytest.mark.traced
 def test_second_run_on_a_file_is_refused(folder, tmp_path):
     """The first one is held at its first rename, inside a debugger; the second comes by another path."""
@@ -167,3 +176,12 @@ def test_interruption_leaves_nothing(folder, number):
                              *folder.command("apply", "--backup")], cwd=folder.path, capture_output=True, timeout=60)
     assert traced.returncode in (-number, 128 + number)
     assert folder.contents() == before
+
+
+@posix_only
+@pytest.mark.parametrize("closed, code", [(">&-", 1), ("2>&-", 0), ("<&- >&- 2>&-", 1)])
+def test_closed_streams_are_no_files(folder, applied, closed, code):
+    """The next file that is opened takes a closed stream's number, and with it what is printed."""
+    script = f'exec {closed}; exec "$@"'
+    result = subprocess.run(["bash", "-c", script, "-", *folder.command("apply")], cwd=folder.path, timeout=120)
+    assert (result.returncode, folder.contents()) == (code, applied)
