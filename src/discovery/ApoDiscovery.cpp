@@ -20,10 +20,10 @@ namespace {
 
 // Registry value names are the text form of the platform's effect property keys: PKEY_FX_PreMixEffectClsid,
 // PostMixEffectClsid, StreamEffectClsid, ModeEffectClsid and EndpointEffectClsid, indexed by ModuleType.
-constexpr wchar_t FxEffectValuePrefix[] = L"{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},";
+constexpr wchar_t FxEffectKeyPrefix[] = L"{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},";
 constexpr const wchar_t* EffectPidTable[] = {L"1", L"2", L"5", L"6", L"7"};
 
-constexpr wchar_t WrappedApoListValue[] = L"{bac22de4-cf4d-4c1e-8ad6-2ba11e3b7c47},5";
+constexpr wchar_t WrappedApoListKey[] = L"{bac22de4-cf4d-4c1e-8ad6-2ba11e3b7c47},5";
 
 AudioModule MakeApo(const AudioEndpoint& endpoint, ModuleType type, const GUID& guid, ModuleLevel level)
 {
@@ -50,7 +50,7 @@ void AppendSlotModules(const AudioEndpoint& endpoint, ModuleList& modules, ILogg
 {
     for (std::size_t slot = 0; slot < std::size(EffectPidTable); ++slot) {
         const Bytes bytes = ReadEndpointProperty(endpoint, EndpointPropertyKind::FxProperties,
-                                                 std::wstring(FxEffectValuePrefix) + EffectPidTable[slot], logger);
+                                                 std::wstring(FxEffectKeyPrefix) + EffectPidTable[slot], logger);
         if (bytes.empty())
             continue;
         if (const std::optional<GUID> guid = SlotGuid(BytesToText(bytes)))
@@ -83,7 +83,7 @@ std::int32_t TextToNumber(std::wstring_view text)
 
 void AppendWrappedModules(const AudioEndpoint& endpoint, ModuleList& modules, ILogger& logger)
 {
-    const Bytes bytes = ReadEndpointProperty(endpoint, EndpointPropertyKind::FxProperties, WrappedApoListValue, logger);
+    const Bytes bytes = ReadEndpointProperty(endpoint, EndpointPropertyKind::FxProperties, WrappedApoListKey, logger);
     for (const std::wstring& item : SplitText(BytesToText(bytes), L';')) {
         const std::vector<std::wstring> parts = SplitText(item, L',');
         if (parts.size() != 2)

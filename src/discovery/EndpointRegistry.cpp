@@ -211,7 +211,7 @@ std::wstring ExtractEndpointName(const std::wstring& devicePath)
 void ReadEndpointIdentity(AudioEndpoint& endpoint, ILogger& logger)
 {
     const std::wstring devicePath =
-        BytesToText(ReadEndpointProperty(endpoint, EndpointPropertyKind::Properties, DevicePathValue, logger));
+        BytesToText(ReadEndpointProperty(endpoint, EndpointPropertyKind::Properties, DevicePathKey, logger));
     endpoint.DeviceId = ExtractDeviceId(devicePath);
     endpoint.EndpointName = ExtractEndpointName(devicePath);
 }

@@ -19,7 +19,7 @@ enum class EndpointPropertyKind : std::int32_t { Properties = 0, FxProperties = 
 
 // The value of `Properties` that holds the device path: five fields separated by backslashes, the fourth of them four
 // parts separated by '#'.
-constexpr wchar_t DevicePathValue[] = L"{233164c8-1b2c-4c7d-bc68-b671687a2567},1";
+constexpr wchar_t DevicePathKey[] = L"{233164c8-1b2c-4c7d-bc68-b671687a2567},1";
 
 // The active endpoints that are registered: capture, then render, each in the order of the registry.
 std::vector<AudioEndpoint> GetAllAudioEndpoints(ILogger& logger);
