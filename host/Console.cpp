@@ -55,7 +55,7 @@ void Console::Outcome(std::string_view text) const
         std::cerr << text << '\n';
 }
 
-void Console::LibraryLog(const std::vector<rehearsal::LogMessage>& log) const
+void Console::WholeLog(const std::vector<rehearsal::LogMessage>& log) const
 {
     if (verbose_)
         for (const rehearsal::LogMessage& message : log)

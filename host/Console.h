@@ -22,7 +22,7 @@ public:
     // What is left of account and summary with --quiet.
     void Outcome(std::string_view text) const;
     // The library's own log, with --verbose.
-    void LibraryLog(const std::vector<rehearsal::LogMessage>& log) const;
+    void WholeLog(const std::vector<rehearsal::LogMessage>& log) const;
     void Warning(const std::string& text) const;
     // Each line of the text is one.
     void Error(const std::string& text) const;

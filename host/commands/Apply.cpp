@@ -89,7 +89,7 @@ private:
                                                : rehearsal::Rehearse(options_.files);
         ThrowIfInterrupted();
         ending_.report.log = rehearsal::Log(outcome);
-        console_.LibraryLog(ending_.report.log);
+        console_.WholeLog(ending_.report.log);
         logFile_.Write(ending_.report.log);
 
         const Findings findings = ReadFindings(outcome);
