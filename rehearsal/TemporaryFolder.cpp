@@ -51,12 +51,12 @@ TemporaryFolder::TemporaryFolder()
         path_ = parent / (Prefix + std::to_string(random()) + "-" + std::to_string(random()));
         if (!fs::create_directory(path_, error))
             continue;
-        fs::permissions(path_, fs::perms::owner_all, error);
-        claim_ = FolderClaim::Take(path_);
-        if (!claim_ || error) {
-            std::error_code ignored;
-            fs::remove(path_, ignored);
-        }
+        std::error_code taken;
+        fs::permissions(path_, fs::perms::owner_all, taken);
+        if (!taken)
+            claim_ = FolderClaim::Take(path_);
+        if (!claim_)
+            fs::remove(path_, taken);
     }
     if (!claim_ || error)
         throw NoCopies("The temporary folder " + path_.string() +
