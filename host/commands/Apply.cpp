@@ -153,7 +153,7 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, options.backupSuffix.value_or(""), true,
+    return RunCommand(options, options.backupSuffix.value_or(""), MachineNeed::Own,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });

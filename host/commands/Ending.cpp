@@ -56,7 +56,7 @@ std::string_view UseOf(const std::string& path, const CommonOptions& options, co
 
 }  // namespace
 
-ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, MachineNeed need,
                     const CommandBody& body)
 {
     if (!options.logFile.empty())
@@ -64,7 +64,7 @@ ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffi
             return TellWrongUsage("--log-file: " + Harmless(options.logFile) + " " + std::string(use));
     ChosenMachine machine;
     try {
-        machine = ChooseMachine(options, needsMachine);
+        machine = ChooseMachine(options, need);
     } catch (const std::exception& failure) {
         return TellWrongUsage(HarmlessLines(failure.what()));
     }

@@ -17,7 +17,7 @@ using CommandBody = std::function<ExitCode(const ChosenMachine&, const Console&,
 
 // Sees to machine and log file, which may be wrong usage, and runs the body, during which interruptions are noted. The
 // suffix of backups is empty when the command has nothing to do with them.
-ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, MachineNeed need,
                     const CommandBody& body);
 
 class Ending {

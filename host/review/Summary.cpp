@@ -11,13 +11,6 @@ namespace {
 // A table under a heading; the last column is as wide as it likes.
 using Row = std::vector<std::string>;
 
-// Characters, not bytes: continuation bytes of UTF-8 take no room.
-std::size_t Width(const std::string& text)
-{
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
-}
-
 // No line begins with what comes from the machine or is a path: `patch` must not take one for the head of a diff.
 std::string Table(const std::string& heading, const std::vector<Row>& rows)
 {
