@@ -94,7 +94,17 @@ ExitCode Ending::Failed(ExitCode code, const std::string& problems)
     report.message = problems;
     console_.Error(problems);
     logFile_.Write(problems);
+    for (const std::string& fault : report.atFault)
+        TellFault("At fault: " + fault);
+    if (!report.atFault.empty())
+        TellFault("More is told by: " + report.moreBy);
     return Finish(code);
+}
+
+void Ending::TellFault(const std::string& line)
+{
+    console_.Error(line);
+    logFile_.Write(line);
 }
 
 void Ending::TellNotices(const std::vector<std::string>& notices)

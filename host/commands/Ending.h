@@ -27,7 +27,8 @@ public:
     // What is known so far; each way to end fills in the rest.
     Report report;
 
-    // Failed, or refused: `problems` are one or several lines, already fit to be shown.
+    // Failed, or refused: `problems` are one or several lines, already fit to be shown. What the report says to be at
+    // fault is told behind them.
     ExitCode Failed(ExitCode code, const std::string& problems);
     // What was healed of a killed run.
     void TellNotices(const std::vector<std::string>& notices);
@@ -37,6 +38,7 @@ public:
     ExitCode With(ExitCode code, const std::string& summary);
 
 private:
+    void TellFault(const std::string& line);
     ExitCode Finish(ExitCode code);
 
     const Console& console_;

@@ -114,7 +114,10 @@ std::string ArgumentsText(const simulation::CallRecord& call)
 
 std::string ShortName(std::string_view object)
 {
-    const std::size_t last = object.rfind('\\');
+    // Below the key of the endpoints, or below the driver's device.
+    constexpr std::string_view Endpoints = "MMDevices\\Audio\\";
+    const std::size_t key = object.find(Endpoints);
+    const std::size_t last = key == std::string_view::npos ? object.rfind('\\') : key + Endpoints.size() - 1;
     return last == std::string_view::npos ? Harmless(object) : "..." + Harmless(object.substr(last));
 }
 

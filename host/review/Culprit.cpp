@@ -84,17 +84,23 @@ public:
                 TakeMessage(message->text);
     }
 
-    std::vector<std::string> Find()
+    Culprits Find()
     {
         if (outcome_.failure && !findings_.fileUnderEdit)
             FindFailure(*outcome_.failure);
         for (const EndpointView& view : ReadEndpoints(machine_, outcome_, findings_))
             if (view.walk && view.walk->toBlame)
-                found_.push_back(EndpointTitle(view) + ": " + view.why);
-        return std::move(found_);
+                AddCall(EndpointTitle(view) + ": " + view.why);
+        return {std::move(found_), calls_ ? "trace --failed" : findings_.modulesTold ? "list" : "trace"};
     }
 
 private:
+    void AddCall(std::string line)
+    {
+        found_.push_back(std::move(line));
+        calls_ = true;
+    }
+
     // What was spoken of last.
     void TakeMessage(const std::wstring& message)
     {
@@ -188,7 +194,7 @@ private:
         });
         if (call != outcome_.events.rend()) {
             const auto& record = std::get<CallRecord>(*call);
-            found_.push_back(TitleFor(record.object) + FailureOf(record));
+            AddCall(TitleFor(record.object) + FailureOf(record));
         }
         if (!message.starts_with("Call to CLSIDFromString() API failed"))
             return;
@@ -205,10 +211,11 @@ private:
     {
         for (const FoundModule& module : findings_.modules)
             if (!module.makersName.empty())
-                found_.push_back(Harmless(module.friendlyName.empty() ? module.endpointName : module.friendlyName) +
-                                 ": " + Harmless(module.makersName) + ", " +
-                                 Harmless(module.pin.empty() ? module.type + " effect" : "firmware, pin " + module.pin) +
-                                 (module.level == "Wrapped" ? ", wrapped" : ""));
+                found_.push_back(
+                    Harmless(module.friendlyName.empty() ? module.endpointName : module.friendlyName) + ": " +
+                    Harmless(module.makersName) + ", " +
+                    Harmless(module.pin.empty() ? module.type + " effect" : "firmware, pin " + module.pin) +
+                    (module.level == "Wrapped" ? ", wrapped" : ""));
     }
 
     const machine::MachineDescription& machine_;
@@ -217,6 +224,7 @@ private:
     std::string lastMessage_, lastPin_;
     const machine::Endpoint* lastEndpoint_ = nullptr;
     std::vector<std::string> found_;
+    bool calls_ = false;
 };
 
 }  // namespace
@@ -226,8 +234,8 @@ std::string EndpointTitle(const EndpointView& endpoint)
     return Harmless(endpoint.name.empty() ? endpoint.deviceId : endpoint.name);
 }
 
-std::vector<std::string> Culprits(const machine::MachineDescription& machine, const rehearsal::Outcome& outcome,
-                                  const Findings& findings)
+Culprits FindCulprits(const machine::MachineDescription& machine, const rehearsal::Outcome& outcome,
+                      const Findings& findings)
 {
     return Search(machine, outcome, findings).Find();
 }

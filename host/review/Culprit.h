@@ -11,9 +11,12 @@
 
 namespace host {
 
-// One line each, harmless to show; none where neither call nor value of the machine is to blame.
-std::vector<std::string> Culprits(const machine::MachineDescription& machine, const rehearsal::Outcome& outcome,
-                                  const Findings& findings);
+struct Culprits {
+    std::vector<std::string> lines;  // harmless to show; none where neither call nor value of the machine is to blame
+    std::string command;             // of the program: what tells more of them
+};
+Culprits FindCulprits(const machine::MachineDescription& machine, const rehearsal::Outcome& outcome,
+                      const Findings& findings);
 
 // "Speakers", or the device id of an endpoint without a name; harmless to show.
 std::string EndpointTitle(const EndpointView& endpoint);

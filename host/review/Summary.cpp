@@ -116,12 +116,12 @@ std::string Files(const Report& report)
     return Table(any || report.message ? "Files" : "Nothing to change", rows);
 }
 
-std::string WarningsOf(const Report& report)
+std::string ListOf(const std::string& heading, const std::vector<std::string>& lines)
 {
     std::vector<Row> rows;
-    for (const std::string& warning : report.warnings)
-        rows.push_back({Harmless(warning)});
-    return rows.empty() ? "" : Table("Warnings", rows);
+    for (const std::string& line : lines)
+        rows.push_back({Harmless(line)});
+    return rows.empty() ? "" : Table(heading, rows);
 }
 
 }  // namespace
@@ -129,7 +129,8 @@ std::string WarningsOf(const Report& report)
 std::string Summary(const Report& report, const Findings& findings)
 {
     return MachineLine(findings) + ModulesOfMaker(findings) + Blocks(findings) + Values(findings) + Files(report) +
-           WarningsOf(report);
+           ListOf("Warnings", report.warnings) + ListOf("At fault", report.atFault) +
+           (report.atFault.empty() ? "" : ListOf("More is told by", {report.moreBy}));
 }
 
 }  // namespace host
