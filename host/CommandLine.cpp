@@ -153,6 +153,11 @@ void AddLooks(CLI::App& app, Commands& commands)
     AddLookOptions(trace, commands.trace);
     trace.add_flag("--failed", commands.trace.failedOnly, "tell the calls that failed alone");
     AddJson(trace, commands.trace);
+
+    CLI::App& report = AddCommand(
+        app, "report", "Write one page (HTML) that tells a run, with the machine's description inside.", LookFooter);
+    AddLookOptions(report, commands.report);
+    AddNamedFile(report, "--output", commands.report.output, "the page")->required();
 }
 
 // What cannot be said to the parser; empty: nothing is wrong.

@@ -37,7 +37,8 @@ bool IsSameFile(const std::string& path, const std::string& other)
     return !error && whole == fs::weakly_canonical(fs::absolute(other), error) && !error;
 }
 
-// What must not become the log, which is emptied before anything is read.
+}  // namespace
+
 std::string_view UseOf(const std::string& path, const CommonOptions& options, const std::string& backupSuffix)
 {
     if (IsReservedName(path))
@@ -46,6 +47,8 @@ std::string_view UseOf(const std::string& path, const CommonOptions& options, co
         return "is the machine file";
     for (const std::string& file :
          {options.files.ConfigurationFile, options.files.SettingsFile, options.files.ApoPipelinesDefinitionFile}) {
+        if (file.empty())
+            continue;
         if (IsSameFile(path, file))
             return "is one of the three files";
         if (!backupSuffix.empty() && IsSameFile(path, file + backupSuffix))
@@ -53,8 +56,6 @@ std::string_view UseOf(const std::string& path, const CommonOptions& options, co
     }
     return {};
 }
-
-}  // namespace
 
 ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, MachineNeed need,
                     const CommandBody& body)

@@ -9,9 +9,14 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
+
+// Why the path must not be written over: what the command uses it for; empty when it may. The suffix of backups is
+// empty when the command has nothing to do with them.
+std::string_view UseOf(const std::string& path, const CommonOptions& options, const std::string& backupSuffix);
 
 using CommandBody = std::function<ExitCode(const ChosenMachine&, const Console&, LogFile&)>;
 

@@ -9,7 +9,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <iterator>
 
 namespace host {
 
@@ -55,6 +54,12 @@ ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(cons
                               return RunFailed;
                           }
                       });
+}
+
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path)
+{
+    const std::string_view use = path.empty() ? "" : UseOf(path, options, "");
+    return use.empty() ? Done : TellWrongUsage("--output: " + Harmless(path) + " " + std::string(use));
 }
 
 ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console)

@@ -27,6 +27,9 @@ bool NamesFiles(const CommonOptions& options);
 
 ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(const Look&, const Console&)>& body);
 
+// Tells wrong usage when the result would be written over what the command reads; else Done.
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path);
+
 // Writes a result to the file, or to standard output when the path is empty; tells when it cannot.
 ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console);
 

@@ -27,7 +27,7 @@ struct FoundModule {
     std::string level;         // "Not wrapped" or "Wrapped"
     std::string type;          // "LFX", "GFX", "SFX", "MFX" or "EFX"
     std::string flow;          // "Render" or "Capture"
-    std::string pin;           // of a firmware module: on which it was reported, decimal
+    std::string pin{};         // of a firmware module: on which it was reported, decimal
 };
 
 enum class WindowsGeneration { Unknown, Windows8Point0OrLower, Windows8Point1OrGreater };
