@@ -22,6 +22,13 @@ std::string Box(const char* kind, const std::string& title, const std::string& d
            "\n";
 }
 
+std::string ConnectorBox(const char* kind, const std::string& connector, const EndpointView& endpoint)
+{
+    const bool own = connector.starts_with(endpoint.deviceId + "/");
+    return Box(kind, html::Code(LocalName(connector)),
+               Element("span", own ? "of the endpoint" : "of " + html::Code(DeviceName(connector))));
+}
+
 std::string FilterBox(const Stretch& stretch)
 {
     std::string parts;
@@ -38,7 +45,8 @@ std::string PinBox(const AskedPin& pin, const EndpointView& endpoint)
     std::string details;
     for (const FoundModule& module : endpoint.firmware)
         if (module.pin == pin.id)
-            details += Element("span", Text(module.type + " " + ModuleName(module)));
+            details += Element(
+                "span", Text(module.type + " " + ModuleName(module) + (module.makersName.empty() ? "" : " by Orvex")));
     if (!pin.why.empty())
         details += Element("span", Text(pin.why));
     return Box("Pin asked", html::Code(pin.id), details, details.empty() || !pin.why.empty() ? nullptr : "good");
@@ -49,14 +57,12 @@ std::string Chain(const EndpointView& endpoint, const Walk& walk)
     std::string boxes = Box("Endpoint", Text(endpoint.name), "");
     for (const Stretch& stretch : walk.way) {
         if (!stretch.connector.empty())
-            boxes += Box("Connector", html::Code(LocalName(stretch.connector)),
-                         Element("span", "of " + html::Code(DeviceName(stretch.connector))));
+            boxes += ConnectorBox("Connector", stretch.connector, endpoint);
         if (!stretch.entry.empty())
             boxes += FilterBox(stretch);
     }
     if (!walk.softwareConnector.empty())
-        boxes += Box("Software connector", html::Code(LocalName(walk.softwareConnector)),
-                     Element("span", "of " + html::Code(DeviceName(walk.softwareConnector))));
+        boxes += ConnectorBox("Software connector", walk.softwareConnector, endpoint);
     for (const AskedPin& pin : walk.pins)
         boxes += PinBox(pin, endpoint);
     if (!walk.why.empty())
@@ -76,7 +82,7 @@ std::string Modules(const char* term, const std::vector<FoundModule>& modules)
                                   : Element("strong", Text(module.type + " " + module.makersName) + " by Orvex ") +
                                         html::Code(module.guid));
     }
-    return Element("dt", term) + list.substr(0, list.size());
+    return Element("dt", term) + list;
 }
 
 }  // namespace

@@ -54,6 +54,16 @@ std::string AtFault(const machine::MachineDescription& machine, const rehearsal:
     return list;
 }
 
+// A line of a file: its tabs stay.
+std::string LineText(const std::string& line)
+{
+    std::string text;
+    std::istringstream pieces(line);
+    for (std::string piece; std::getline(pieces, piece, '\t');)
+        text += (text.empty() ? "" : "\t") + Text(piece);
+    return text;
+}
+
 std::string DiffSection(const rehearsal::Outcome& outcome)
 {
     const std::string diff = Diff(outcome);
@@ -69,7 +79,7 @@ std::string DiffSection(const rehearsal::Outcome& outcome)
                                  : line.starts_with('-') ? "span class=\"minus\""
                                  : line.starts_with('+') ? "span class=\"plus\""
                                                          : nullptr;
-        lines += (look == nullptr ? Text(line) : Element(look, Text(line))) + "\n";
+        lines += (look == nullptr ? LineText(line) : Element(look, LineText(line))) + "\n";
     }
     return Element("h2", "What would change") + "\n" + Element("pre class=\"diff\"", lines) + "\n";
 }

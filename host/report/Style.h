@@ -28,7 +28,7 @@ a { color: inherit; }
 article { margin: .8rem 0; padding: .9rem; border: 1px solid var(--line); border-radius: .5rem; background: var(--card);
   break-inside: avoid; }
 .badge { display: inline-block; padding: 0 .5rem; border: 1px solid var(--line); border-radius: 1rem; font-size: .8rem; }
-.chain { display: flex; flex-wrap: wrap; gap: .5rem 1.7rem; margin: .8rem 0; padding: 0; list-style: none; }
+.chain { display: flex; flex-wrap: wrap; gap: .5rem 1.7rem; margin: .8rem 0; padding: 0 0 0 1.2rem; list-style: none; }
 .chain li { position: relative; max-width: 100%; padding: .45rem .7rem; border: 1px solid var(--line);
   border-radius: .4rem; background: var(--paper); overflow-wrap: anywhere; }
 .chain li + li::before { content: "\2192"; position: absolute; left: -1.4rem; color: var(--soft); }
@@ -37,7 +37,8 @@ article { margin: .8rem 0; padding: .9rem; border: 1px solid var(--line); border
 .chain .good, .chain .bad, .chain .warn { border-color: currentColor; }
 dl { display: grid; grid-template-columns: max-content 1fr; gap: .2rem .9rem; margin: .5rem 0 0; }
 dt { color: var(--soft); }
-dd { margin: 0; overflow-wrap: anywhere; }
+dt { grid-column: 1; }
+dd { grid-column: 2; margin: 0; overflow-wrap: anywhere; }
 .diff .minus { color: var(--bad); background: var(--badPaper); }
 .diff .plus { color: var(--good); background: var(--goodPaper); }
 .diff .head { color: var(--soft); }
@@ -45,8 +46,8 @@ dd { margin: 0; overflow-wrap: anywhere; }
 summary { cursor: pointer; }
 @media (max-width: 40rem) {
   body { padding: .8rem; }
-  dl { grid-template-columns: 1fr; }
-  .chain { display: block; }
+  dl { display: block; }
+  .chain { display: block; padding: 0; }
   .chain li + li { margin-top: 1.5rem; }
   .chain li + li::before { content: "\2193"; left: 1rem; top: -1.45rem; }
 }

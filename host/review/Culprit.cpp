@@ -143,7 +143,7 @@ private:
             found_.push_back(TitleOf(*lastEndpoint_) + ": pin " + Harmless(lastPin_) + " reports such a module");
         else if (findings_.modulesTold)
             FindModules();
-        else if (!FindValue())
+        else if (!FindValue() && !FindKey(message))
             FindCall(message);
     }
 
@@ -186,24 +186,30 @@ private:
         return machine::Utf16ToUtf8(text.substr(0, text.empty() ? 0 : text.size() - 1));
     }
 
-    void FindCall(const std::string& message)
+    bool FindKey(const std::string& message)
     {
-        const auto call = std::find_if(outcome_.events.rbegin(), outcome_.events.rend(), [&](const auto& event) {
-            const auto* const record = std::get_if<CallRecord>(&event);
-            return record != nullptr && AnswerOf(*record) != Answer::Given && EndsWithCode(message, *record);
-        });
-        if (call != outcome_.events.rend()) {
-            const auto& record = std::get<CallRecord>(*call);
-            AddCall(TitleFor(record.object) + FailureOf(record));
-        }
+        const std::size_t before = found_.size();
         if (!message.starts_with("Call to CLSIDFromString() API failed"))
-            return;
+            return false;
         for (const auto* const keys : {&machine_.furtherCaptureKeys, &machine_.furtherRenderKeys})
             for (const std::wstring& key : *keys)
                 if (!IsGuid(key))
                     found_.push_back("the registry key \"" + Harmless(machine::Utf16ToUtf8(key)) + "\" among the " +
                                      (keys == &machine_.furtherRenderKeys ? "render" : "capture") +
                                      " endpoints is named by no GUID");
+        return found_.size() > before;
+    }
+
+    void FindCall(const std::string& message)
+    {
+        const auto call = std::find_if(outcome_.events.rbegin(), outcome_.events.rend(), [&](const auto& event) {
+            const auto* const record = std::get_if<CallRecord>(&event);
+            return record != nullptr && AnswerOf(*record) != Answer::Given && EndsWithCode(message, *record);
+        });
+        if (call == outcome_.events.rend())
+            return;
+        const auto& record = std::get<CallRecord>(*call);
+        AddCall(TitleFor(record.object) + FailureOf(record));
     }
 
     // The set of the maker's modules was refused.
