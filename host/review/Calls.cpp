@@ -45,6 +45,8 @@ struct AbsentAnswer {
 constexpr AbsentAnswer AbsentAnswers[] = {
     {"IPart::Activate", 0x80004002},
     {"IDeviceTopology::GetSignalPath", 0x80070490},
+    {"IKsControl::KsProperty", 0x80070490},
+    {"IKsControl::KsProperty", 0x80070492},
     {"IConnector::GetConnectedTo", 0x80070490},
     {"IConnector::GetConnectorIdConnectedTo", 0x80070490},
     {"IConnector::GetDeviceIdConnectedTo", 0x80070490},

@@ -127,7 +127,7 @@ private:
         if (walk_.pins.empty())
             return;
         AskedPin& pin = walk_.pins.back();
-        const bool failed = last_ && AnswerOf(*last_) == Answer::Failed && last_->call == "IKsControl::KsProperty";
+        const bool failed = last_ && AnswerOf(*last_) != Answer::Given && last_->call == "IKsControl::KsProperty";
         const std::string code = failed ? " (" + ResultText(*last_) + ")" : "";
         if (!speaks_)
             pin.why = (failed ? "does not speak the PP API" : "does not speak version 1 of the PP API") + code;
