@@ -66,6 +66,7 @@ SimulatedMachine::ClassObjectHost::~ClassObjectHost()
 
 void SimulatedMachine::ClassObjectHost::Run(const MachinePtr& machine)
 {
+    LeaveSharedFiles();
     DWORD cookie = 0;
     const HRESULT joined = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     HRESULT result = joined;

@@ -2,6 +2,8 @@
 
 #include "WinApiControl.h"
 
+#include <sched.h>
+
 namespace simulation {
 
 PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMonitor& calls)
@@ -15,5 +17,8 @@ PlatformScope::~PlatformScope()
     winapi::SetCallHook({});
     winapi::SetWindowsVersion({});
 }
+
+// Where the system refuses, writing is slower and nothing else.
+void LeaveSharedFiles() { (void)::unshare(CLONE_FILES); }
 
 }  // namespace simulation
