@@ -37,9 +37,10 @@ HKEY RegistryStore::Open(KeyPtr key, bool toRead)
 {
     const auto handle = reinterpret_cast<HKEY>(nextHandle_);
     nextHandle_ += 4;
-    open.emplace(handle, std::move(key));
+    // Opened last: what memory does not suffice for leaves no open key.
     if (toRead)
         readOnly.insert(handle);
+    open.emplace(handle, std::move(key));
     return handle;
 }
 

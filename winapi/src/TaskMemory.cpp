@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <unordered_set>
@@ -51,12 +52,12 @@ void winapi::internal::CountTaskMemory(Holdings& holdings)
 
 LPVOID STDAPICALLTYPE CoTaskMemAlloc(std::size_t size)
 {
-    void* const block = std::malloc(size == 0 ? 1 : size);
-    if (block != nullptr) {
+    std::unique_ptr<void, decltype(&std::free)> block(std::malloc(size == 0 ? 1 : size), &std::free);
+    if (block) {
         const std::lock_guard lock(Memory().mutex);
-        Memory().blocks.insert(block);
+        Memory().blocks.insert(block.get());
     }
-    return block;
+    return block.release();
 }
 
 void STDAPICALLTYPE CoTaskMemFree(LPVOID memory)
