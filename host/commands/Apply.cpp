@@ -10,7 +10,7 @@
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/Platform.h"
+#include "simulation/SimulatedMachine.h"
 
 #include <algorithm>
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using winapi::internal::Intercepted;
+using winapi::internal::ClassIdText;
 using winapi::internal::Unsupported;
 using winapi::internal::Watched;
 
@@ -68,9 +68,10 @@ HRESULT STDAPICALLTYPE CoInitializeEx(LPVOID reserved, DWORD apartment)
     if (reserved != nullptr ||
         (apartment & ~static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) != 0)
         Unsupported("CoInitializeEx", "reserved pointer or apartment flags");
-    return Watched("CoInitializeEx", [&]() -> HRESULT {
-        const Apartment wanted =
-            (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+    const Apartment wanted =
+        (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+    const wchar_t* const name = wanted == Apartment::Multithreaded ? L"multithreaded" : L"single-threaded";
+    return Watched({"CoInitializeEx", {}, name}, [&]() -> HRESULT {
         if (thisThread.joins > 0 && thisThread.apartment != wanted)
             return RPC_E_CHANGED_MODE;
         const std::lock_guard lock(Com().mutex);
@@ -107,7 +108,7 @@ HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD
     if (object == nullptr)
         return E_POINTER;
     *object = nullptr;
-    return Watched("CoCreateInstance", [&]() -> HRESULT {
+    return Watched({"CoCreateInstance", {}, ClassIdText(classId)}, [&]() -> HRESULT {
         IUnknown* registered = nullptr;
         {
             const std::lock_guard lock(Com().mutex);
@@ -136,8 +137,6 @@ HRESULT STDAPICALLTYPE CoRegisterClassObject(REFCLSID classId, IUnknown* factory
 {
     if (context != CLSCTX_INPROC_SERVER || flags != REGCLS_MULTIPLEUSE)
         Unsupported("CoRegisterClassObject", "a context or flags other than a multiple-use server in process");
-    if (const auto result = Intercepted("CoRegisterClassObject"))
-        return *result;
     const std::lock_guard lock(Com().mutex);
     std::thread::id thread;
     if (!CurrentApartment(Com(), thread))
