@@ -75,15 +75,18 @@ protected:
         failing.faults.insert(failing.faults.begin(), faults.begin(), faults.end());
         Trial trial = trials_.Run(failing);
         EXPECT_EQ(trial.broken, "");
+        completed_ += trial.failure.empty() ? 1 : 0;
         return trial;
     }
 
     // Tells how many injections were made, and that they are as many as they are meant to be.
     void TearDown() override
     {
-        std::cout << injected_ << " injections" << std::endl;
+        std::cout << injected_ << " injections, " << completed_ << " of them in runs that complete" << std::endl;
         EXPECT_GE(offered_, 10000u);
         EXPECT_EQ(injected_, offered_ / share_);
+        EXPECT_GT(completed_, injected_ / 4);
+        EXPECT_LT(completed_, injected_);
     }
 
 private:
@@ -97,6 +100,7 @@ private:
     const unsigned share_ = Share();
     unsigned offered_ = 0;
     unsigned injected_ = 0;
+    unsigned completed_ = 0;
 };
 
 TEST_F(InjectionTest, EveryCallFailsOnce)

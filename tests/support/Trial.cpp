@@ -118,18 +118,17 @@ Trials::Trials()
     for (std::size_t index = 0; index < paths_.size(); ++index) {
         paths_[index] = folder_.Path(Names[index]);
         before_[index] = ReadBytes(std::filesystem::path(QOVXML_SCENARIOS) / "files" / Names[index]);
-        Replace(before_[index], "\n", "\r\n");
     }
 }
 
 Trial Trials::Run(const machine::MachineDescription& machine, const Operation& operation) const
 {
     Trial trial;
+    const auto held = CurrentHoldings();
     for (std::size_t index = 0; index < paths_.size(); ++index)
         WriteBytes(paths_[index], before_[index]);
     {
         const simulation::SimulatedMachine simulated(machine);
-        const auto held = CurrentHoldings();
         KeepingLogger logger(trial.log);
         try {
             operation({paths_[0], paths_[1], paths_[2]}, logger);
@@ -138,11 +137,11 @@ Trial Trials::Run(const machine::MachineDescription& machine, const Operation& o
             if (!IsDocumented(trial.failure))
                 trial.broken += "an undocumented message: " + trial.failure + "\n";
         }
-        for (const auto& [kind, count] : CurrentHoldings())
-            if (count != held.at(kind))
-                trial.broken += "still held: " + std::to_string(count - held.at(kind)) + " " + kind + "\n";
         trial.calls = simulated.Calls();
     }
+    for (const auto& [kind, count] : CurrentHoldings())
+        if (count != held.at(kind))
+            trial.broken += "still held: " + std::to_string(count - held.at(kind)) + " " + kind + "\n";
     if (trial.calls.size() > (machine.endpoints.size() + 1) * EndpointCalls)
         trial.broken += "too many calls: " + std::to_string(trial.calls.size()) + "\n";
     CheckFiles(trial);
