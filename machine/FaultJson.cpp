@@ -142,6 +142,11 @@ bool SpeakOfSameCalls(const Fault& left, const Fault& right)
 
 }  // namespace
 
+bool NamesObjectOf(const Fault& fault, const MachineDescription& machine)
+{
+    return HasObject(machine, FindPlatformCall(fault.call)->object, Utf8ToUtf16(fault.object));
+}
+
 std::vector<Fault> ReadFaults(const JsonPlace& place, const MachineDescription* machine)
 {
     std::vector<Fault> faults;

@@ -79,6 +79,7 @@ ClassObjectHost::~ClassObjectHost()
 
 void ClassObjectHost::Run(const MachinePtr& machine)
 {
+    LeaveSharedFiles();
     DWORD cookie = 0;
     const HRESULT joined = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     HRESULT result = joined;

@@ -16,7 +16,8 @@ set(expected
   include/ILogger.h include/QovXml.h
   lib/libQovXml.dll.a lib/libQovXmlSimulation.a
   share/QovXml/machine.schema.json
-  share/doc/QovXml/CHANGELOG.md share/doc/QovXml/MESSAGES.md share/doc/QovXml/XML-FILES.md)
+  share/doc/QovXml/CHANGELOG.md share/doc/QovXml/MESSAGES.md share/doc/QovXml/MISBEHAVING.md
+  share/doc/QovXml/XML-FILES.md share/doc/QovXml/report.png)
 if(NOT files STREQUAL expected)
   message(SEND_ERROR "the zip holds\n${files}\ninstead of\n${expected}")
 endif()

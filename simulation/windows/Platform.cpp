@@ -37,4 +37,6 @@ PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMon
 
 PlatformScope::~PlatformScope() = default;
 
+void LeaveSharedFiles() {}
+
 }  // namespace simulation
