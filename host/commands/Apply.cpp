@@ -3,6 +3,7 @@
 #include "host/files/FileSession.h"
 #include "host/files/Interrupt.h"
 #include "host/files/Messages.h"
+#include "host/review/Culprit.h"
 #include "host/review/Findings.h"
 #include "host/review/OutcomeChecks.h"
 #include "host/review/Report.h"
@@ -10,9 +11,10 @@
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/Platform.h"
+#include "simulation/SimulatedMachine.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace host {
 
@@ -27,21 +29,24 @@ std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
     return warnings;
 }
 
-std::vector<FileChange> Changes(const rehearsal::Outcome& outcome)
-{
-    std::vector<FileChange> changes;
-    for (const rehearsal::FileOutcome& file : outcome.files)
-        if (file.before && file.after && file.before != file.after)
-            changes.push_back({file.path, *file.before, *file.after});
-    return changes;
-}
+bool IsChanged(const rehearsal::FileOutcome& file) { return file.before && file.after && *file.before != *file.after; }
 
-std::vector<std::string> Paths(const std::vector<FileChange>& changes)
+std::vector<std::string> ChangedPaths(const rehearsal::Outcome& outcome)
 {
     std::vector<std::string> paths;
-    for (const FileChange& change : changes)
-        paths.push_back(change.path);
+    for (const rehearsal::FileOutcome& file : outcome.files)
+        if (IsChanged(file))
+            paths.push_back(file.path);
     return paths;
+}
+
+std::vector<FileChange> TakeChanges(rehearsal::Outcome outcome)
+{
+    std::vector<FileChange> changes;
+    for (rehearsal::FileOutcome& file : outcome.files)
+        if (IsChanged(file))
+            changes.push_back({file.path, std::move(*file.before), std::move(*file.after)});
+    return changes;
 }
 
 // One `apply`, from the first look at the files to the end.
@@ -84,9 +89,8 @@ private:
     ExitCode RehearseAndApply(FileSession& session)
     {
         console_.Step("Rehearsing the run on copies (machine: " + Harmless(machine_.name) + ")...");
-        const rehearsal::Outcome outcome = machine_.description
-                                               ? rehearsal::Rehearse(*machine_.description, options_.files)
-                                               : rehearsal::Rehearse(options_.files);
+        rehearsal::Outcome outcome = machine_.description ? rehearsal::Rehearse(*machine_.description, options_.files)
+                                                          : rehearsal::Rehearse(options_.files);
         ThrowIfInterrupted();
         ending_.report.log = rehearsal::Log(outcome);
         console_.WholeLog(ending_.report.log);
@@ -96,16 +100,18 @@ private:
         if (outcome.failure) {
             const bool pipelinesMissing =
                 findings.fileUnderEdit == PipelinesFile && !outcome.files[PipelinesFile].before;
+            if (!findings.fileUnderEdit)
+                TakeCulprits(outcome, findings);
             return ending_.Failed(pipelinesMissing ? FileProblemFound : RunFailed, FailureText(outcome, findings));
         }
         if (const auto problem = OutcomeProblem(outcome, findings))
             return ending_.Failed(RunFailed, *problem);
-        return Put(session, outcome, findings);
+        return Put(session, std::move(outcome), findings);
     }
 
-    ExitCode Put(FileSession& session, const rehearsal::Outcome& outcome, const Findings& findings)
+    ExitCode Put(FileSession& session, rehearsal::Outcome outcome, const Findings& findings)
     {
-        const std::vector<FileChange> changes = Changes(outcome);
+        const std::vector<std::string> changed = ChangedPaths(outcome);
         ending_.report.files = FileReports(outcome);
         for (FileReport& file : ending_.report.files)
             file.changed = file.changed && options_.dryRun;  // else not yet
@@ -113,27 +119,42 @@ private:
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
         ending_.AddWarnings(UnusedFaults(outcome));
+        TakeCulprits(outcome, findings);
         if (options_.dryRun)
-            ending_.AddWarnings(session.Hindrances(options_.backupSuffix, Paths(changes)));
+            ending_.AddWarnings(session.Hindrances(options_.backupSuffix, changed));
         if (options_.strict && !ending_.report.warnings.empty())
             return EndUnchanged(StoppedByWarnings, "warnings", findings);
-        if (changes.empty())
+        if (changed.empty())
             return EndUnchanged(Done, "unchanged", findings);
         if (options_.dryRun)
             return EndUnchanged(options_.exitCode ? WouldChange : Done, "would-change", findings);
 
-        const std::vector<std::string> backups = session.PutInPlace(changes, options_.backupSuffix);
+        const std::vector<std::string> backups =
+            session.PutInPlace(TakeChanges(std::move(outcome)), options_.backupSuffix);
         for (FileReport& file : ending_.report.files) {
-            file.changed = std::any_of(changes.begin(), changes.end(),
-                                       [&file](const FileChange& change) { return change.path == file.path; });
+            file.changed = std::find(changed.begin(), changed.end(), file.path) != changed.end();
             const std::string backup = file.path + options_.backupSuffix.value_or("");
             if (file.changed && std::find(backups.begin(), backups.end(), backup) != backups.end())
                 file.backup = backup;
         }
-        for (const FileChange& change : changes)
-            console_.Step("Put in place: " + Harmless(change.path));
+        for (const std::string& path : changed)
+            console_.Step("Put in place: " + Harmless(path));
         ending_.report.outcome = "done";
         return ending_.With(Done, Summary(ending_.report, findings));
+    }
+
+    // Only a described machine tells its calls.
+    void TakeCulprits(const rehearsal::Outcome& outcome, const Findings& findings)
+    {
+        if (!machine_.description)
+            return;
+        Culprits culprits = FindCulprits(*machine_.description, outcome, findings);
+        ending_.report.atFault = std::move(culprits.lines);
+        ending_.report.moreBy = "qovxml-configure " + culprits.command;
+        if (options_.exampleMachine)
+            ending_.report.moreBy += " --example-machine";
+        else if (!options_.machineFile.empty())
+            ending_.report.moreBy += " --machine " + Harmless(options_.machineFile);
     }
 
     ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)
@@ -153,7 +174,7 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, options.backupSuffix.value_or(""), true,
+    return RunCommand(options, options.backupSuffix.value_or(""), MachineNeed::Own,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });
