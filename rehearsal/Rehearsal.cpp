@@ -4,9 +4,9 @@
 #include "rehearsal/TemporaryFolder.h"
 #include "simulation/SimulatedMachine.h"
 
+#include <algorithm>
 #include <exception>
 #include <fstream>
-#include <sstream>
 #include <utility>
 
 namespace rehearsal {
@@ -17,12 +17,23 @@ namespace {
 std::optional<std::string> ReadFile(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream bytes;
-    if (!file || file.peek() == std::ifstream::traits_type::eof())
-        return file.bad() || !file.is_open() ? std::nullopt : std::optional<std::string>("");
-    if (!(bytes << file.rdbuf()))
+    if (!file.is_open())
         return std::nullopt;
-    return std::move(bytes).str();
+    constexpr std::size_t FirstPart = 0x10000;
+    std::string bytes(FirstPart, '\0');
+    std::size_t size = 0;
+    while (file.read(bytes.data() + size, static_cast<std::streamsize>(bytes.size() - size))) {
+        size = bytes.size();
+        file.seekg(0, std::ios::end);
+        const auto end = static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0));
+        file.clear();
+        file.seekg(static_cast<std::streamoff>(size));
+        // One more than it should hold, to meet its end.
+        bytes.resize(std::max(2 * size, end + 1));
+    }
+    size += static_cast<std::size_t>(file.gcount());
+    bytes.resize(size);
+    return file.bad() ? std::nullopt : std::optional(std::move(bytes));
 }
 
 template <class Text>

@@ -2,7 +2,7 @@
 
 #include "common/Owners.h"
 #include "machine/Utf16.h"
-#include "simulation/Platform.h"
+#include "simulation/UnusableMachine.h"
 
 #include <random>
 #include <stdexcept>

@@ -1,12 +1,12 @@
 #include "xmledit/Blocks.h"
 
 #include "support/Failures.h"
+#include "support/LineTexts.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <regex>
-#include <sstream>
 
 namespace {
 
@@ -29,18 +29,14 @@ protected:
         text = std::regex_replace(text, std::regex("@"), GetParam().element);
         text = std::regex_replace(text, std::regex("\\["), state == Disable ? "<!--" : "");
         text = std::regex_replace(text, std::regex("\\]"), state == Disable ? "-->" : "");
-        LineFile lines;
-        std::istringstream stream(text);
-        for (std::string line; std::getline(stream, line, '|');)
-            lines.push_back(line);
-        return lines;
+        return LinesOf(text);
     }
 
     // What is thrown when the lines have become those after it.
     static std::string Edit(Way way, LineFile lines, const LineFile& after, const char* name = "Zan")
     {
         const std::string message = MessageOf([&] { GetParam().operations[way](lines, name); });
-        EXPECT_EQ(lines, after);
+        EXPECT_EQ(TextOf(lines), TextOf(after));
         return message;
     }
 

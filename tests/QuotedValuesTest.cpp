@@ -1,25 +1,21 @@
 #include "xmledit/QuotedValues.h"
 
 #include "support/Failures.h"
+#include "support/LineTexts.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 namespace {
 
 using namespace qov;
 
-// Lines are parted by "|"; an apostrophe stands for a double quote.
+// An apostrophe stands for a double quote.
 LineFile Lines(std::string text)
 {
     std::replace(text.begin(), text.end(), '\'', '"');
-    LineFile lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line, '|');)
-        lines.push_back(line);
-    return lines;
+    return LinesOf(text);
 }
 
 TEST(QuotedValuesTest, ReplacesTheValueOnTheFirstFittingLine)
@@ -39,7 +35,7 @@ TEST(QuotedValuesTest, ReplacesTheValueOnTheFirstFittingLine)
     for (const auto& row : rows) {
         LineFile lines = Lines(row[1]);
         EXPECT_EQ(MessageOf([&] { SetQuotedValue(lines, row[0], "Id:", row[2]); }), row[4]) << row[1];
-        EXPECT_EQ(lines, Lines(row[3]));
+        EXPECT_EQ(TextOf(lines), TextOf(Lines(row[3])));
     }
 }
 
@@ -49,15 +45,15 @@ TEST(QuotedValuesTest, SettersHaveTheirTags)
     SetDeviceId(lines, "1");
     SetEndpointName(lines, "2");
     SetModuleGuid(lines, "3");
-    EXPECT_EQ(lines, Lines("DeviceId:1'|EndpointName:2'|ModuleGuid:3'|EndpointName:0'"));
+    EXPECT_EQ(TextOf(lines), TextOf(Lines("DeviceId:1'|EndpointName:2'|ModuleGuid:3'|EndpointName:0'")));
 
     lines = Lines("Subeffects_SpeechMode ParamId:0'|Subeffects_DefaultMode=ParamId:0'");
     SetModeParamIds(lines, "1", "2");
-    EXPECT_EQ(lines, Lines("Subeffects_SpeechMode ParamId:2'|Subeffects_DefaultMode=ParamId:1'"));
+    EXPECT_EQ(TextOf(lines), TextOf(Lines("Subeffects_SpeechMode ParamId:2'|Subeffects_DefaultMode=ParamId:1'")));
     // The DEFAULT mode is set first, and stays set when the SPEECH mode cannot be.
     lines = Lines("Subeffects_DefaultMode=ParamId:0'|Subeffects_SpeechMode|ParamId:0'");
     EXPECT_EQ(MessageOf([&] { SetModeParamIds(lines, "1", "2"); }), "No tag found: ParamId:");
-    EXPECT_EQ(lines, Lines("Subeffects_DefaultMode=ParamId:1'|Subeffects_SpeechMode|ParamId:0'"));
+    EXPECT_EQ(TextOf(lines), TextOf(Lines("Subeffects_DefaultMode=ParamId:1'|Subeffects_SpeechMode|ParamId:0'")));
 }
 
 TEST(QuotedValuesTest, PreparesValues)

@@ -12,10 +12,11 @@
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/Platform.h"
+#include "simulation/SimulatedMachine.h"
 #include "snapshot/Snapshot.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace host {
 
@@ -30,21 +31,24 @@ std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
     return warnings;
 }
 
-std::vector<FileChange> Changes(const rehearsal::Outcome& outcome)
-{
-    std::vector<FileChange> changes;
-    for (const rehearsal::FileOutcome& file : outcome.files)
-        if (file.before && file.after && file.before != file.after)
-            changes.push_back({file.path, *file.before, *file.after});
-    return changes;
-}
+bool IsChanged(const rehearsal::FileOutcome& file) { return file.before && file.after && *file.before != *file.after; }
 
-std::vector<std::string> Paths(const std::vector<FileChange>& changes)
+std::vector<std::string> ChangedPaths(const rehearsal::Outcome& outcome)
 {
     std::vector<std::string> paths;
-    for (const FileChange& change : changes)
-        paths.push_back(change.path);
+    for (const rehearsal::FileOutcome& file : outcome.files)
+        if (IsChanged(file))
+            paths.push_back(file.path);
     return paths;
+}
+
+std::vector<FileChange> TakeChanges(rehearsal::Outcome outcome)
+{
+    std::vector<FileChange> changes;
+    for (rehearsal::FileOutcome& file : outcome.files)
+        if (IsChanged(file))
+            changes.push_back({file.path, std::move(*file.before), std::move(*file.after)});
+    return changes;
 }
 
 // One `apply`, from the first look at the files to the end.
@@ -89,9 +93,8 @@ private:
     ExitCode RehearseAndApply(FileSession& session)
     {
         console_.Step("Rehearsing the run on copies (machine: " + Harmless(machine_.name) + ")...");
-        const rehearsal::Outcome outcome = machine_.description
-                                               ? rehearsal::Rehearse(*machine_.description, options_.files)
-                                               : rehearsal::Rehearse(options_.files);
+        rehearsal::Outcome outcome = machine_.description ? rehearsal::Rehearse(*machine_.description, options_.files)
+                                                          : rehearsal::Rehearse(options_.files);
         ThrowIfInterrupted();
         ending_.report.log = rehearsal::Log(outcome);
         console_.WholeLog(ending_.report.log);
@@ -107,39 +110,40 @@ private:
         }
         if (const auto problem = OutcomeProblem(outcome, findings))
             return ending_.Failed(RunFailed, *problem);
-        return Put(session, outcome, findings);
+        return Put(session, std::move(outcome), findings);
     }
 
-    ExitCode Put(FileSession& session, const rehearsal::Outcome& outcome, const Findings& findings)
+    ExitCode Put(FileSession& session, rehearsal::Outcome outcome, const Findings& findings)
     {
-        const std::vector<FileChange> changes = Changes(outcome);
+        const std::vector<std::string> changed = ChangedPaths(outcome);
         ending_.report.files = FileReports(outcome);
         for (FileReport& file : ending_.report.files)
             file.changed = file.changed && options_.dryRun;  // else not yet
         if (options_.diff)
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
-        ending_.AddWarnings(UnusedFaults(outcome));
+        if (!machine_.isSnapshot)
+            ending_.AddWarnings(UnusedFaults(outcome));
         TakeCulprits(outcome, findings);
         if (options_.dryRun)
-            ending_.AddWarnings(session.Hindrances(options_.backupSuffix, Paths(changes)));
+            ending_.AddWarnings(session.Hindrances(options_.backupSuffix, changed));
         if (options_.strict && !ending_.report.warnings.empty())
             return EndUnchanged(StoppedByWarnings, "warnings", findings);
-        if (changes.empty())
+        if (changed.empty())
             return EndUnchanged(Done, "unchanged", findings);
         if (options_.dryRun)
             return EndUnchanged(options_.exitCode ? WouldChange : Done, "would-change", findings);
 
-        const std::vector<std::string> backups = session.PutInPlace(changes, options_.backupSuffix);
+        const std::vector<std::string> backups =
+            session.PutInPlace(TakeChanges(std::move(outcome)), options_.backupSuffix);
         for (FileReport& file : ending_.report.files) {
-            file.changed = std::any_of(changes.begin(), changes.end(),
-                                       [&file](const FileChange& change) { return change.path == file.path; });
+            file.changed = std::find(changed.begin(), changed.end(), file.path) != changed.end();
             const std::string backup = file.path + options_.backupSuffix.value_or("");
             if (file.changed && std::find(backups.begin(), backups.end(), backup) != backups.end())
                 file.backup = backup;
         }
-        for (const FileChange& change : changes)
-            console_.Step("Put in place: " + Harmless(change.path));
+        for (const std::string& path : changed)
+            console_.Step("Put in place: " + Harmless(path));
         ending_.report.outcome = "done";
         return ending_.With(Done, Summary(ending_.report, findings));
     }

@@ -33,6 +33,8 @@ struct Facts {
 // The path of the file that links lead to.
 [[nodiscard]] std::string RealPath(const std::string& path);
 [[nodiscard]] std::string Read(const std::string& path);
+// Whether the file's bytes are these.
+[[nodiscard]] bool Holds(const std::string& path, const std::string& bytes);
 // Throws when a file at a real path cannot be opened for writing; changes nothing.
 void CheckWritable(const std::string& path);
 // Throws when no file can be made beside the one at this path; changes nothing.

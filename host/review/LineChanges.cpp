@@ -2,7 +2,6 @@
 
 #include "host/review/Lines.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace host {
@@ -20,31 +19,40 @@ std::string Join(const Lines& lines, std::size_t start, std::size_t count)
     return text;
 }
 
+// Of as many lines each.
+std::vector<LineChange> ChangesByLine(std::string_view before, std::string_view after)
+{
+    std::vector<LineChange> changes;
+    for (std::size_t number = 1; !before.empty(); ++number) {
+        const std::string_view old = WithoutEnd(TakeLine(before));
+        const std::string_view now = WithoutEnd(TakeLine(after));
+        if (old != now)
+            changes.push_back({number, std::string(old), std::string(now)});
+    }
+    return changes;
+}
+
 }  // namespace
 
 std::vector<LineChange> LineChanges(const std::string& before, const std::string& after)
 {
+    if (CountLines(before) == CountLines(after))
+        return ChangesByLine(before, after);
     const Lines old = WithoutEnds(SplitLines(before));
     const Lines now = WithoutEnds(SplitLines(after));
     std::vector<LineChange> changes;
-    for (const Difference& difference : Differences(old, now)) {
-        if (difference.beforeCount != difference.afterCount) {
-            changes.push_back({difference.beforeStart + 1, Join(old, difference.beforeStart, difference.beforeCount),
-                               Join(now, difference.afterStart, difference.afterCount)});
-            continue;
-        }
-        for (std::size_t index = 0; index < difference.beforeCount; ++index)
-            changes.push_back({difference.beforeStart + index + 1, std::string(old[difference.beforeStart + index]),
-                               std::string(now[difference.afterStart + index])});
-    }
+    for (const Difference& difference : Differences(old, now))
+        changes.push_back({difference.beforeStart + 1, Join(old, difference.beforeStart, difference.beforeCount),
+                           Join(now, difference.afterStart, difference.afterCount)});
     return changes;
 }
 
 bool HasBareLineFeed(const std::string& bytes)
 {
-    const Lines lines = SplitLines(bytes);
-    return std::any_of(lines.begin(), lines.end(),
-                       [](std::string_view line) { return line.ends_with('\n') && !line.ends_with("\r\n"); });
+    for (std::size_t found = bytes.find('\n'); found != std::string::npos; found = bytes.find('\n', found + 1))
+        if (found == 0 || bytes[found - 1] != '\r')
+            return true;
+    return false;
 }
 
 }  // namespace host

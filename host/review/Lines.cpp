@@ -24,14 +24,26 @@ std::vector<Difference> DifferencesByLine(const Lines& before, const Lines& afte
 
 }  // namespace
 
+std::string_view TakeLine(std::string_view& bytes)
+{
+    const std::string_view line = bytes.substr(0, std::min(bytes.find('\n'), bytes.size() - 1) + 1);
+    bytes.remove_prefix(line.size());
+    return line;
+}
+
+std::size_t CountLines(std::string_view bytes)
+{
+    std::size_t count = 0;
+    for (; !bytes.empty(); ++count)
+        TakeLine(bytes);
+    return count;
+}
+
 Lines SplitLines(std::string_view bytes)
 {
     Lines lines;
-    while (!bytes.empty()) {
-        const std::size_t size = std::min(bytes.find('\n'), bytes.size() - 1) + 1;
-        lines.push_back(bytes.substr(0, size));
-        bytes.remove_prefix(size);
-    }
+    while (!bytes.empty())
+        lines.push_back(TakeLine(bytes));
     return lines;
 }
 

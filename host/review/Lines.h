@@ -9,6 +9,11 @@ namespace host {
 
 using Lines = std::vector<std::string_view>;
 
+// The first line with its line feed, taken from the bytes, which must not be empty.
+std::string_view TakeLine(std::string_view& bytes);
+
+std::size_t CountLines(std::string_view bytes);
+
 // Each with its line feed, the last maybe without one.
 Lines SplitLines(std::string_view bytes);
 

@@ -31,9 +31,9 @@ std::optional<std::string> XmlProblem(const FileOutcome& file)
 }
 
 // What a full disk leaves: every whole line that the run writes ends with a line feed.
-bool IsCutShort(const Lines& before, const Lines& after, const FileOutcome& file)
+bool IsCutShort(std::string_view before, std::string_view after)
 {
-    return after.size() < before.size() || (!file.after->empty() && !file.after->ends_with('\n'));
+    return CountLines(after) < CountLines(before) || (!after.empty() && !after.ends_with('\n'));
 }
 
 // Comment markers where switching a block puts them.
@@ -67,38 +67,54 @@ std::vector<std::string> Outcomes(std::string_view line, const std::vector<Value
     return outcomes;
 }
 
-// Whether the lines from `at` are the expected text, but for the markers; moves behind them.
-bool TakeLines(const Lines& lines, std::size_t& at, const std::string& expected)
+// Whether the first lines are the expected text, but for the markers; takes them from the bytes.
+bool TakeLines(std::string_view& bytes, const std::string& expected)
 {
-    const auto count = static_cast<std::size_t>(std::count(expected.begin(), expected.end(), '\n')) + 1;
-    if (count > lines.size() - at)
-        return false;
+    std::string_view rest = bytes;
     std::string text;
-    for (std::size_t index = at; index < at + count; ++index)
-        text += (index > at ? "\n" : "") + std::string(lines[index]);
+    for (auto count = std::count(expected.begin(), expected.end(), '\n'); count >= 0; --count) {
+        if (rest.empty())
+            return false;
+        text += WithoutEnd(TakeLine(rest));
+        if (count > 0)
+            text += '\n';
+    }
     if (text != expected && WithoutMarkers(text) != WithoutMarkers(expected))
         return false;
-    at += count;
+    bytes = rest;
+    return true;
+}
+
+// Whether both begin with the same line; takes it from both.
+bool TakeSameLine(std::string_view& before, std::string_view& after)
+{
+    std::string_view beforeRest = before;
+    std::string_view afterRest = after;
+    if (after.empty() || WithoutEnd(TakeLine(beforeRest)) != WithoutEnd(TakeLine(afterRest)))
+        return false;
+    before = beforeRest;
+    after = afterRest;
     return true;
 }
 
 std::optional<std::string> LineProblem(const FileOutcome& file, const std::vector<ValueSet>& values)
 {
     constexpr std::string_view Report = "Nothing was changed. Report this, with the log and the three files.";
-    const Lines before = WithoutEnds(SplitLines(*file.before));
-    const Lines after = WithoutEnds(SplitLines(*file.after));
-    if (IsCutShort(before, after, file))
-        return Told(file.path, "its copy was cut short at line " + std::to_string(after.size()),
+    std::string_view before = *file.before;
+    std::string_view after = *file.after;
+    if (IsCutShort(before, after))
+        return Told(file.path, "its copy was cut short at line " + std::to_string(CountLines(after)),
                     "Make room on the disk that holds the folder for temporary files.");
-    std::size_t at = 0;
-    for (std::size_t index = 0; index < before.size(); ++index) {
-        const std::vector<std::string> outcomes = Outcomes(before[index], values);
+    for (std::size_t number = 1; !before.empty(); ++number) {
+        if (TakeSameLine(before, after))
+            continue;
+        const std::vector<std::string> outcomes = Outcomes(WithoutEnd(TakeLine(before)), values);
         if (std::none_of(outcomes.begin(), outcomes.end(),
-                         [&](const std::string& outcome) { return TakeLines(after, at, outcome); }))
-            return Told(file.path, "line " + std::to_string(index + 1) + " would change in a way that no edit explains",
+                         [&](const std::string& outcome) { return TakeLines(after, outcome); }))
+            return Told(file.path, "line " + std::to_string(number) + " would change in a way that no edit explains",
                         Report);
     }
-    if (at != after.size())
+    if (!after.empty())
         return Told(file.path, "it would have more lines than before", Report);
     return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "host/review/WellFormed.h"
 
+#include "host/review/PlainXml.h"
 #include "host/review/XmlParser.h"
 
 #include <algorithm>
@@ -157,6 +158,8 @@ std::string WithLetters(std::string_view text)
 
 std::optional<XmlFault> WellFormedFault(const std::string& bytes)
 {
+    if (IsPlainXml(bytes))
+        return std::nullopt;
     std::string text = bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes;
     std::replace(text.begin(), text.end(), '\r', ' ');  // lines are counted by their line feeds
     if (text.starts_with("<?xml") && text.find_first_of(Blanks, 5) == 5) {

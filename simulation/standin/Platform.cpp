@@ -3,6 +3,8 @@
 #include "WinApiControl.h"
 #include "machine/Utf16.h"
 
+#include <sched.h>
+
 namespace simulation {
 
 PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMonitor& calls)
@@ -19,5 +21,8 @@ PlatformScope::~PlatformScope()
     winapi::SetCallHook({});
     winapi::SetWindowsVersion({});
 }
+
+// Where the system refuses, writing is slower and nothing else.
+void LeaveSharedFiles() { (void)::unshare(CLONE_FILES); }
 
 }  // namespace simulation

@@ -1,6 +1,8 @@
 // Windows reports itself, and its functions cannot be watched: a machine that needs more is refused.
 #include "simulation/Platform.h"
 
+#include "simulation/UnusableMachine.h"
+
 #include <string>
 
 namespace simulation {
@@ -34,5 +36,7 @@ PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMon
 }
 
 PlatformScope::~PlatformScope() = default;
+
+void LeaveSharedFiles() {}
 
 }  // namespace simulation

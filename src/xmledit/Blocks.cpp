@@ -30,23 +30,7 @@ struct Block {
     std::size_t element;  // position of the block's own start tag on the start line
 };
 
-bool Holds(const std::string& line, std::string_view text) { return line.find(text) != NotFound; }
-
-std::optional<std::size_t> FindDown(const LineFile& lines, std::size_t from, std::string_view text)
-{
-    for (std::size_t index = from; index < lines.size(); ++index)
-        if (Holds(lines[index], text))
-            return index;
-    return std::nullopt;
-}
-
-std::optional<std::size_t> FindUp(const LineFile& lines, std::size_t from, std::string_view text)
-{
-    for (std::size_t index = from + 1; index-- > 0;)
-        if (Holds(lines[index], text))
-            return index;
-    return std::nullopt;
-}
+bool Holds(std::string_view line, std::string_view text) { return line.find(text) != NotFound; }
 
 bool IsNameByte(char byte)
 {
@@ -56,7 +40,7 @@ bool IsNameByte(char byte)
 }
 
 // The first start tag at or after `from` whose element name ends with it ("<ParameterBlockRef" is none).
-std::size_t FindElement(const std::string& line, const std::string& startTag, std::size_t from)
+std::size_t FindElement(std::string_view line, const std::string& startTag, std::size_t from)
 {
     for (std::size_t found = line.find(startTag, from); found != NotFound; found = line.find(startTag, found + 1)) {
         const std::size_t next = found + startTag.size();
@@ -66,25 +50,25 @@ std::size_t FindElement(const std::string& line, const std::string& startTag, st
     return NotFound;
 }
 
-[[noreturn]] void Refuse(const Toggle& toggle, std::size_t line, const std::string& reason)
+[[noreturn]] void Refuse(const LineFile& lines, std::size_t line, const Toggle& toggle, const std::string& reason)
 {
     Fail(std::string("Cannot ") + (toggle.wanted == State::Disabled ? "disable" : "enable") + " block \"" +
-         toggle.keyword + "\": line " + std::to_string(line + 1) + " " + reason);
+         toggle.keyword + "\": line " + std::to_string(lines.Number(line)) + " " + reason);
 }
 
 void RefuseOtherBlocks(const LineFile& lines, const Block& block, const Toggle& toggle)
 {
     if (lines[block.startLine].find(toggle.endTag) < block.element)
-        Refuse(toggle, block.startLine, "holds the end of another block");
-    for (std::size_t index = block.startLine; index <= block.endLine; ++index) {
-        const std::size_t from = index == block.startLine ? block.element + 1 : 0;
-        if (FindElement(lines[index], toggle.startTag, from) != NotFound)
-            Refuse(toggle, index, "starts another block inside it");
+        Refuse(lines, block.startLine, toggle, "holds the end of another block");
+    for (std::size_t line = block.startLine; line <= block.endLine; line = lines.Next(line)) {
+        const std::size_t from = line == block.startLine ? block.element + 1 : 0;
+        if (FindElement(lines[line], toggle.startTag, from) != NotFound)
+            Refuse(lines, line, toggle, "starts another block inside it");
     }
     // The end line is the first at or below the keyword: an end tag above it closes something else.
-    for (std::size_t index = block.startLine; index < block.endLine; ++index)
-        if (Holds(lines[index], toggle.endTag))
-            Refuse(toggle, index, "ends another block inside it");
+    for (std::size_t line = block.startLine; line < block.endLine; line = lines.Next(line))
+        if (Holds(lines[line], toggle.endTag))
+            Refuse(lines, line, toggle, "ends another block inside it");
 }
 
 // The element's start tag ends at the first '>' outside its attribute values, maybe on a later line.
@@ -92,9 +76,9 @@ void RefuseSelfClosing(const LineFile& lines, const Block& block, const Toggle& 
 {
     char quote = '\0';
     char previous = '\0';
-    for (std::size_t index = block.startLine; index <= block.endLine; ++index) {
-        const std::size_t from = index == block.startLine ? block.element + toggle.startTag.size() : 0;
-        for (const char byte : std::string_view(lines[index]).substr(from)) {
+    for (std::size_t line = block.startLine; line <= block.endLine; line = lines.Next(line)) {
+        const std::size_t from = line == block.startLine ? block.element + toggle.startTag.size() : 0;
+        for (const char byte : lines[line].substr(from)) {
             if (quote != '\0') {
                 if (byte == quote)
                     quote = '\0';
@@ -102,7 +86,7 @@ void RefuseSelfClosing(const LineFile& lines, const Block& block, const Toggle& 
                 quote = byte;
             } else if (byte == '>') {
                 if (previous == '/')
-                    Refuse(toggle, index, "closes the element in its start tag");
+                    Refuse(lines, line, toggle, "closes the element in its start tag");
                 return;
             }
             previous = byte;
@@ -110,12 +94,36 @@ void RefuseSelfClosing(const LineFile& lines, const Block& block, const Toggle& 
     }
 }
 
-bool HoldsMarker(const std::string& line) { return Holds(line, CommentStart) || Holds(line, CommentEnd); }
+bool HoldsMarker(std::string_view line) { return Holds(line, CommentStart) || Holds(line, CommentEnd); }
+
+void RefuseMarkers(const LineFile& lines, const Block& block, const Toggle& toggle)
+{
+    if (toggle.wanted == State::Disabled) {
+        for (std::size_t line = block.startLine; line <= block.endLine; line = lines.Next(line))
+            if (HoldsMarker(lines[line]))
+                Refuse(lines, line, toggle, "holds a comment marker");
+        return;
+    }
+    if (!lines[block.startLine].starts_with(CommentStart))
+        Refuse(lines, block.startLine, toggle, "does not begin with \"<!--\"");
+    if (!lines[block.endLine].ends_with(CommentEnd))
+        Refuse(lines, block.endLine, toggle, "does not end with \"-->\"");
+    // What disabling wrote are the only markers of these two lines; others belong to comments made by hand.
+    std::string_view start = lines[block.startLine];
+    std::string_view end = lines[block.endLine];
+    const bool oneLine = block.startLine == block.endLine;
+    start.remove_prefix(CommentStart.size());
+    (oneLine ? start : end).remove_suffix(CommentEnd.size());
+    if (HoldsMarker(start))
+        Refuse(lines, block.startLine, toggle, "holds a further comment marker");
+    if (!oneLine && HoldsMarker(end))
+        Refuse(lines, block.endLine, toggle, "holds a further comment marker");
+}
 
 void Edit(LineFile& lines, const Block& block, State wanted)
 {
-    std::string& startLine = lines[block.startLine];
-    std::string& endLine = lines[block.endLine];
+    std::string& startLine = lines.Edit(block.startLine);
+    std::string& endLine = lines.Edit(block.endLine);
     if (wanted == State::Disabled) {
         startLine.insert(0, CommentStart);
         endLine.append(CommentEnd);
@@ -125,39 +133,17 @@ void Edit(LineFile& lines, const Block& block, State wanted)
     }
 }
 
-void RefuseMarkers(const LineFile& lines, const Block& block, const Toggle& toggle)
-{
-    if (toggle.wanted == State::Disabled) {
-        for (std::size_t index = block.startLine; index <= block.endLine; ++index)
-            if (HoldsMarker(lines[index]))
-                Refuse(toggle, index, "holds a comment marker");
-        return;
-    }
-    if (!lines[block.startLine].starts_with(CommentStart))
-        Refuse(toggle, block.startLine, "does not begin with \"<!--\"");
-    if (!lines[block.endLine].ends_with(CommentEnd))
-        Refuse(toggle, block.endLine, "does not end with \"-->\"");
-    // What disabling wrote are the only markers of these two lines; others belong to comments made by hand.
-    LineFile bare = {lines[block.startLine], lines[block.endLine]};
-    const bool oneLine = block.startLine == block.endLine;
-    Edit(bare, {0, oneLine ? 0U : 1U, 0}, State::Enabled);
-    if (HoldsMarker(bare[0]))
-        Refuse(toggle, block.startLine, "holds a further comment marker");
-    if (!oneLine && HoldsMarker(bare[1]))
-        Refuse(toggle, block.endLine, "holds a further comment marker");
-}
-
 void ToggleBlocks(LineFile& lines, const Toggle& toggle)
 {
     std::size_t resume = 0;
-    while (const auto keywordLine = FindDown(lines, resume, toggle.keyword)) {
-        const auto startLine = FindUp(lines, *keywordLine, toggle.startTag);
+    while (const auto keywordLine = lines.FindDown(resume, toggle.keyword)) {
+        const auto startLine = lines.FindUp(*keywordLine, toggle.startTag);
         if (!startLine)
             Fail("Section start tag \"" + toggle.startTag + "\"not found");
         const State state = Holds(lines[*startLine], CommentStart) ? State::Disabled : State::Enabled;
         if (state == toggle.wanted)
             return;
-        const auto endLine = FindDown(lines, *keywordLine, toggle.endTag);
+        const auto endLine = lines.FindDown(*keywordLine, toggle.endTag);
         if (!endLine)
             Fail("Parameter block end for keyword \"" + toggle.endTag + "\"not found");
 
@@ -167,7 +153,7 @@ void ToggleBlocks(LineFile& lines, const Toggle& toggle)
         RefuseOtherBlocks(lines, block, toggle);
         RefuseMarkers(lines, block, toggle);
         Edit(lines, block, toggle.wanted);
-        resume = *endLine + 1;
+        resume = lines.Next(*endLine);
     }
 }
 

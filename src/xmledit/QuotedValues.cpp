@@ -8,25 +8,23 @@ namespace qov {
 
 void SetQuotedValue(LineFile& lines, const std::string& keyword, const std::string& tag, const std::string& value)
 {
-    bool keywordSeen = false;
+    bool keywordSeen = keyword.empty();
     bool tagSeen = false;
-    for (std::string& line : lines) {
-        if (!keyword.empty()) {
-            if (line.find(keyword) == std::string::npos)
-                continue;
-            keywordSeen = true;
-        }
-        const std::size_t tagStart = line.find(tag);
-        if (tagStart == std::string::npos)
+    const std::string& sought = keyword.empty() ? tag : keyword;
+    for (auto line = lines.FindDown(0, sought); line; line = lines.FindDown(lines.Next(*line), sought)) {
+        keywordSeen = true;
+        const std::string_view text = lines[*line];
+        const std::size_t tagStart = text.find(tag);
+        if (tagStart == std::string_view::npos)
             continue;
         tagSeen = true;
-        const std::size_t quote = line.find('"', tagStart);
-        if (quote == std::string::npos)
+        const std::size_t quote = text.find('"', tagStart);
+        if (quote == std::string_view::npos)
             continue;
-        line.replace(tagStart, quote - tagStart, tag + value);
+        lines.Edit(*line).replace(tagStart, quote - tagStart, tag + value);
         return;
     }
-    if (!keyword.empty() && !keywordSeen)
+    if (!keywordSeen)
         Fail("No keyword found: " + tag);
     if (!tagSeen)
         Fail("No tag found: " + tag);

@@ -4,6 +4,7 @@
 #include "Internal.h"
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -41,6 +42,10 @@ ComState& Com()
     static ComState state;
     return state;
 }
+
+struct Releaser {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
 
 // A thread that joined no apartment belongs to the multithreaded one for as long as any thread holds that one.
 bool CurrentApartment(const ComState& com, std::thread::id& thread)
@@ -117,14 +122,13 @@ HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD
                 return REGDB_E_CLASSNOTREG;
             registered->AddRef();
         }
-        void* factory = nullptr;
-        HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &factory);
+        void* queried = nullptr;
+        const HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &queried);
         registered->Release();
         if (FAILED(result))
             return result;
-        result = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, riid, object);
-        static_cast<IClassFactory*>(factory)->Release();
-        return result;
+        const std::unique_ptr<IClassFactory, Releaser> factory(static_cast<IClassFactory*>(queried));
+        return factory->CreateInstance(nullptr, riid, object);
     });
 }
 

@@ -261,12 +261,15 @@ LSTATUS WINAPI RegOverridePredefKey(HKEY key, HKEY replacement)
 LSTATUS WINAPI RegCloseKey(HKEY key)
 {
     RegistryStore& registry = RegistryStore::Instance();
-    const std::wstring path = PathBelow(key, L"");
+    winapi::FunctionCall call{"RegCloseKey"};
     LSTATUS result = ERROR_SUCCESS;
     {
         const std::lock_guard lock(registry.mutex);
-        if (!registry.roots.contains(key) && registry.open.erase(key) == 0)
+        // Closing needs no memory: owners do it in their destructors.
+        if (auto closed = registry.open.extract(key))
+            call.object = std::move(closed.mapped().path);
+        else if (!registry.roots.contains(key))
             result = ERROR_INVALID_HANDLE;
     }
-    return Watched({"RegCloseKey", path}, [result] { return result; });
+    return Watched(call, [result] { return result; });
 }

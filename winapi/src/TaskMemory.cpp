@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <unordered_set>
@@ -61,12 +62,12 @@ std::wstring winapi::internal::ClassIdText(REFCLSID classId)
 
 LPVOID STDAPICALLTYPE CoTaskMemAlloc(std::size_t size)
 {
-    void* const block = std::malloc(size == 0 ? 1 : size);
-    if (block != nullptr) {
+    std::unique_ptr<void, decltype(&std::free)> block(std::malloc(size == 0 ? 1 : size), &std::free);
+    if (block) {
         const std::lock_guard lock(Memory().mutex);
-        Memory().blocks.insert(block);
+        Memory().blocks.insert(block.get());
     }
-    return block;
+    return block.release();
 }
 
 void STDAPICALLTYPE CoTaskMemFree(LPVOID memory)

@@ -6,15 +6,33 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 namespace host::platform {
 
 namespace {
 
 Kind KindOf(mode_t mode) { return S_ISREG(mode) ? Kind::Regular : S_ISLNK(mode) ? Kind::Link : Kind::Other; }
+
+// Gives fewer bytes than asked for only at the end of the file.
+std::size_t ReadUpTo(int descriptor, char* bytes, std::size_t size)
+{
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t count = ::read(descriptor, bytes + done, size - done);
+        if (count < 0 && errno == EINTR)
+            continue;
+        Check(count >= 0);
+        if (count == 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
 
 std::string FolderOf(const std::string& path)
 {
@@ -53,16 +71,32 @@ std::string Read(const std::string& path)
 {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     Check(bool(file));
+    struct stat facts {};
+    Check(::fstat(file.Get(), &facts) == 0);
     std::string bytes;
-    std::array<char, 65536> part;
+    std::size_t size = 0;
+    do {
+        // One more than it should hold, to meet its end.
+        bytes.resize(std::max<std::size_t>(2 * size, static_cast<std::size_t>(facts.st_size) + 1));
+        size += ReadUpTo(file.Get(), bytes.data() + size, bytes.size() - size);
+    } while (size == bytes.size());
+    bytes.resize(size);
+    return bytes;
+}
+
+bool Holds(const std::string& path, const std::string& bytes)
+{
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    Check(bool(file));
+    std::vector<char> part(std::size_t{1} << 18);
+    std::string_view rest = bytes;
     for (;;) {
-        const ssize_t count = ::read(file.Get(), part.data(), part.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        Check(count >= 0);
-        if (count == 0)
-            return bytes;
-        bytes.append(part.data(), static_cast<std::size_t>(count));
+        const std::size_t count = ReadUpTo(file.Get(), part.data(), part.size());
+        if (!rest.starts_with(std::string_view(part.data(), count)))
+            return false;
+        rest.remove_prefix(count);
+        if (count < part.size())
+            return rest.empty();
     }
 }
 
