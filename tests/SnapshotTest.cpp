@@ -124,6 +124,7 @@ void Register(const ScenarioCase& scenario)
         ScenarioCase example;
         example.machine = ReadBytes(entry.path());
         example.name = entry.path().stem().string();
+        std::replace(example.name.begin(), example.name.end(), '-', '_');
         example.suite = example.name.starts_with("windows8") ? "Windows8/Examples" : "Windows10/Examples";
         const QovXml::Config files = ExampleFiles();
         for (const auto& [index, path] : {std::pair(0, files.ConfigurationFile), std::pair(1, files.SettingsFile),
