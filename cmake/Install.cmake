@@ -18,6 +18,9 @@ endif()
 install(FILES include/QovXml.h include/ILogger.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 install(EXPORT QovXmlTargets NAMESPACE QovXml:: DESTINATION ${package_folder})
+if(QOVXML_BUILD_HOST)
+  include(${CMAKE_CURRENT_LIST_DIR}/Simulation.cmake)
+endif()
 configure_package_config_file(cmake/QovXmlConfig.cmake.in ${PROJECT_BINARY_DIR}/QovXmlConfig.cmake
   INSTALL_DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QovXmlConfigVersion.cmake COMPATIBILITY SameMajorVersion)

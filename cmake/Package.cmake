@@ -1,5 +1,5 @@
 # Documents that go with the package, and for Windows the package as a zip: cpack in the build folder.
-install(FILES docs/MESSAGES.md docs/XML-FILES.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/MESSAGES.md docs/MISBEHAVING.md docs/XML-FILES.md docs/report.png CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 if(NOT WIN32 AND TARGET qovxml-configure)
   install(FILES docs/qovxml-configure.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()

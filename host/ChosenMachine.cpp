@@ -1,6 +1,6 @@
 #include "host/ChosenMachine.h"
 
-#include "BuiltInMachine.h"
+#include "BuiltIn.h"
 #include "host/ThisMachine.h"
 #include "machine/MachineJson.h"
 
@@ -8,14 +8,14 @@
 
 namespace host {
 
-ChosenMachine ChooseMachine(const CommonOptions& options, bool needed)
+ChosenMachine ChooseMachine(const CommonOptions& options, MachineNeed need)
 {
     if (!options.machineFile.empty())
         return {machine::ReadMachine(options.machineFile), "simulated, " + options.machineFile};
     if (options.exampleMachine)
         return {machine::ParseMachine(BuiltInMachineText, BuiltInMachineName),
                 std::string("simulated, the built-in ") + BuiltInMachineName};
-    if (needed && !HasWindowsAudio())
+    if (need != MachineNeed::None && !HasWindowsAudio())
         throw std::runtime_error(
             "There is no Windows here: name a machine to simulate with --machine FILE or --example-machine");
     return {std::nullopt, "this machine"};

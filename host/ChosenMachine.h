@@ -14,8 +14,14 @@ struct ChosenMachine {
     std::string name;                                        // for people
 };
 
+enum class MachineNeed {
+    None,
+    Own,          // the one that the program runs on will do
+    Description,  // where none is named, that one is described
+};
+
 // Throws std::runtime_error: a machine file that cannot be used (its message names file and place), or no machine named
 // where one is needed and the program's own has no Windows audio.
-ChosenMachine ChooseMachine(const CommonOptions& options, bool needed);
+ChosenMachine ChooseMachine(const CommonOptions& options, MachineNeed need);
 
 }  // namespace host

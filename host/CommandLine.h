@@ -41,9 +41,28 @@ struct RestoreOptions : CommonOptions {
     std::string backupSuffix;
 };
 
+// The commands that only look.
+struct TraceOptions : CommonOptions {
+    bool failedOnly = false;
+};
+
+struct ListOptions : CommonOptions {};
+
+struct ReportOptions : CommonOptions {
+    std::string output;
+};
+
+struct SnapshotOptions : CommonOptions {
+    std::string output;  // empty: standard output
+    bool redact = false;
+};
+
+using Command =
+    std::variant<ApplyOptions, RestoreOptions, TraceOptions, ListOptions, ReportOptions, SnapshotOptions, ExitCode>;
+
 // A command to carry out, or the exit code of a call that is answered already: help or version on standard output,
 // wrong usage on standard error.
-std::variant<ApplyOptions, RestoreOptions, ExitCode> ReadCommandLine(int argc, char** argv);
+Command ReadCommandLine(int argc, char** argv);
 
 // Tells wrong usage that shows only when an option is looked at, in the form of the others.
 ExitCode TellWrongUsage(const std::string& reason);

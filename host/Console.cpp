@@ -92,6 +92,12 @@ void Console::Diff(const std::string& text) const
     }
 }
 
+void Console::Line(const std::string& text, bool standsOut) const
+{
+    const bool coloured = standsOut && coloursOnOutput_;
+    std::cout << (coloured ? Red : "") << text << (coloured ? Plain : "") << '\n';
+}
+
 void Console::Json(const std::string& text) const
 {
     if (json_)

@@ -30,6 +30,8 @@ public:
     // Results. Left out of standard output with --json, where the object says it all.
     void Summary(const std::string& text) const;
     void Diff(const std::string& text) const;
+    // One line of a result; one that stands out is coloured.
+    void Line(const std::string& text, bool standsOut) const;
     void Json(const std::string& text) const;
 
     // False when standard output did not take all that was written to it.

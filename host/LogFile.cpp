@@ -1,26 +1,11 @@
 #include "host/LogFile.h"
 
 #include "host/Console.h"
+#include "host/Now.h"
 #include "host/ThisMachine.h"
 #include "host/review/ShownText.h"
 
-#include <ctime>
-
 namespace host {
-
-namespace {
-
-// In UTC, as ISO 8601 has it.
-std::string Now()
-{
-    const std::time_t now = std::time(nullptr);
-    char text[32] = {};
-    if (const std::tm* const utc = std::gmtime(&now))
-        (void)std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%SZ", utc);
-    return text;
-}
-
-}  // namespace
 
 LogFile::LogFile(const std::string& path, const std::string& machineName) : wanted_(!path.empty())
 {

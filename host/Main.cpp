@@ -11,6 +11,10 @@ namespace {
 
 host::ExitCode Run(const host::ApplyOptions& options) { return host::RunApply(options); }
 host::ExitCode Run(const host::RestoreOptions& options) { return host::RunRestore(options); }
+host::ExitCode Run(const host::TraceOptions& options) { return host::RunTrace(options); }
+host::ExitCode Run(const host::ListOptions& options) { return host::RunList(options); }
+host::ExitCode Run(const host::ReportOptions& options) { return host::RunReport(options); }
+host::ExitCode Run(const host::SnapshotOptions& options) { return host::RunSnapshot(options); }
 host::ExitCode Run(host::ExitCode answered) { return answered; }
 
 }  // namespace

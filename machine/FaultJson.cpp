@@ -23,6 +23,9 @@ constexpr NamedValue<ObjectKind> ObjectKinds[] = {
     {"input selector, as \"<device id>/00020000\"", ObjectKind::InputSelector},
     {"output selector, as \"<device id>/00020000\"", ObjectKind::OutputSelector},
     {"device, by its device id, or part, as \"<device id>/00010000\"", ObjectKind::DeviceOrPart},
+    {R"(registry key of the endpoints of a flow, as "SOFTWARE\...\Audio\Render", or of an endpoint's properties, as )"
+     R"("SOFTWARE\...\Audio\Render\{0A000000-0000-4000-8000-0000000000FF}\FxProperties")",
+     ObjectKind::Key},
 };
 
 // `device` is null for an endpoint.
@@ -41,8 +44,19 @@ bool IsPart(ObjectKind kind, const PartDescription& part)
            (kind == ObjectKind::OutputSelector && part.selector == SelectorKind::Output);
 }
 
+bool HasKey(const MachineDescription& machine, const std::wstring& path)
+{
+    return path == EndpointsKeyPath(eRender) || path == EndpointsKeyPath(eCapture) ||
+           std::any_of(machine.endpoints.begin(), machine.endpoints.end(), [&](const Endpoint& endpoint) {
+               return path == PropertiesKeyPath(endpoint, L"Properties") ||
+                      path == PropertiesKeyPath(endpoint, L"FxProperties");
+           });
+}
+
 bool HasObject(const MachineDescription& machine, ObjectKind kind, const std::wstring& object)
 {
+    if (kind == ObjectKind::Key)
+        return HasKey(machine, object);
     const auto names = [&](const std::wstring& deviceId, const TopologyDescription& topology,
                            const AdapterDevice* device) {
         return (object == deviceId && IsDevice(kind, device)) ||
@@ -95,13 +109,19 @@ LONG ReadResult(const JsonPlace& place)
 
 Fault ReadFault(const JsonPlace& place, const MachineDescription* machine)
 {
-    place.AllowOnly({"call", "object", "occurrence", "result"});
+    place.AllowOnly({"call", "object", "arguments", "occurrence", "result"});
     Fault fault;
     const PlatformCall* call = nullptr;
     if (place.Required("call", call, ReadCall))
         fault.call = call->name;
     place.Optional("object", fault.object, [&](const JsonPlace& object) {
         return call == nullptr ? object.Text() : ReadObject(object, *call, machine);
+    });
+    place.Optional("arguments", fault.arguments, [](const JsonPlace& arguments) {
+        std::string text = arguments.Text();
+        if (text.empty())
+            arguments.Refuse("must be the arguments with which a call is recorded");
+        return text;
     });
     place.Optional("occurrence", fault.occurrence,
                    [](const JsonPlace& occurrence) { return static_cast<unsigned>(occurrence.Number(1, 1000000)); });
@@ -116,10 +136,16 @@ Fault ReadFault(const JsonPlace& place, const MachineDescription* machine)
 
 bool SpeakOfSameCalls(const Fault& left, const Fault& right)
 {
-    return left.call == right.call && left.object == right.object && left.occurrence == right.occurrence;
+    return left.call == right.call && left.object == right.object && left.arguments == right.arguments &&
+           left.occurrence == right.occurrence;
 }
 
 }  // namespace
+
+bool NamesObjectOf(const Fault& fault, const MachineDescription& machine)
+{
+    return HasObject(machine, FindPlatformCall(fault.call)->object, Utf8ToUtf16(fault.object));
+}
 
 std::vector<Fault> ReadFaults(const JsonPlace& place, const MachineDescription* machine)
 {
@@ -141,6 +167,8 @@ ordered_json WriteFault(const Fault& fault)
     written["call"] = fault.call;
     if (!fault.object.empty())
         written["object"] = fault.object;
+    if (!fault.arguments.empty())
+        written["arguments"] = fault.arguments;
     if (fault.occurrence)
         written["occurrence"] = *fault.occurrence;
     if (fault.result < 0) {

@@ -63,4 +63,15 @@ std::wstring DefaultDeviceId(const Endpoint& endpoint)
     return (endpoint.flow == eCapture ? L"{0.0.1.00000000}." : L"{0.0.0.00000000}.") + LowerGuidText(endpoint.guid);
 }
 
+std::wstring EndpointsKeyPath(EDataFlow flow)
+{
+    return std::wstring(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\") +
+           (flow == eCapture ? L"Capture" : L"Render");
+}
+
+std::wstring PropertiesKeyPath(const Endpoint& endpoint, const std::wstring& name)
+{
+    return EndpointsKeyPath(endpoint.flow) + L"\\" + UpperGuidText(endpoint.guid) + L"\\" + name;
+}
+
 }  // namespace machine

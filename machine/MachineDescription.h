@@ -58,13 +58,19 @@ struct Endpoint {
 // The id that Windows would give the endpoint's device.
 std::wstring DefaultDeviceId(const Endpoint& endpoint);
 
+// The paths below HKEY_LOCAL_MACHINE by which a run opens the registry keys of the endpoints of a flow, and of those of
+// one endpoint `Properties` or `FxProperties`.
+std::wstring EndpointsKeyPath(EDataFlow flow);
+std::wstring PropertiesKeyPath(const Endpoint& endpoint, const std::wstring& name);
+
 // Makes a call give another result: a failure takes the place of the whole call; a success code other than S_OK is
 // given by a call that does its work.
 struct Fault {
     std::string call;                      // one of PlatformCalls()
-    std::optional<unsigned> occurrence{};  // counts the calls of that name (on that object) from 1; none: every call
+    std::optional<unsigned> occurrence{};  // counts the calls that the rest speaks of from 1; none: every call
     LONG result = 0;
-    std::string object{};  // a device id, or a part's global id, in UTF-8; empty: any object
+    std::string object{};  // a device id, a part's global id or the path of a registry key, in UTF-8; empty: any object
+    std::string arguments{};  // as the call is recorded with them; empty: any
 
     bool operator==(const Fault&) const = default;
 };
@@ -76,6 +82,7 @@ struct MachineDescription {
     std::vector<std::wstring> furtherRenderKeys;  // subkeys of the endpoint keys that belong to no endpoint
     std::vector<std::wstring> furtherCaptureKeys;
     std::vector<Fault> faults;
+    std::vector<std::wstring> notes;  // remarks for people
 
     // The topology of an endpoint or adapter device; null where there is no such device.
     [[nodiscard]] const TopologyDescription* FindTopology(const std::wstring& deviceId) const;

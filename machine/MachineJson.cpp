@@ -70,7 +70,8 @@ void NoteOpenConnections(const Connections& connections, const MachineDescriptio
 
 MachineDescription ReadDescription(const JsonPlace& root)
 {
-    root.AllowOnly({"$schema", "description", "windowsVersion", "endpoints", "devices", "registryKeys", "faults"});
+    root.AllowOnly(
+        {"$schema", "description", "windowsVersion", "endpoints", "devices", "registryKeys", "faults", "notes"});
     std::string note;
     for (const char* const name : {"$schema", "description"})
         root.Optional(name, note, [](const JsonPlace& place) { return place.Text(); });
@@ -89,6 +90,7 @@ MachineDescription ReadDescription(const JsonPlace& root)
                   [&](const JsonPlace& place) { return ReadRegistryKeys(place, machine.endpoints); });
     root.Optional("faults", machine.faults,
                   [&](const JsonPlace& place) { return ReadFaults(place, names.complete ? &machine : nullptr); });
+    root.Optional("notes", machine.notes, ListOf(ReadWideText));
     return machine;
 }
 
@@ -108,6 +110,8 @@ ordered_json WriteDescription(const MachineDescription& machine)
         written["registryKeys"]["capture"].push_back(WriteWideText(name));
     for (const Fault& fault : machine.faults)
         written["faults"].push_back(WriteFault(fault));
+    for (const std::wstring& note : machine.notes)
+        written["notes"].push_back(WriteWideText(note));
     return written;
 }
 

@@ -23,6 +23,7 @@ enum class ObjectKind {
     InputSelector,  // a part that is an input selector
     OutputSelector,
     DeviceOrPart,  // lists of parts: of neighbours by the part, of a signal path by the device
+    Key,           // a registry key that a run opens, by its path
 };
 
 struct PlatformCall {

@@ -177,6 +177,12 @@ ordered_json WriteRegistryValue(const RegistryValue& value)
 
 }  // namespace
 
+std::string RegistryTypeName(DWORD type)
+{
+    const std::string name = RowOf(type).name;
+    return name.empty() ? std::to_string(type) : name;
+}
+
 std::vector<RegistryValue> ReadRegistryValues(const JsonPlace& place)
 {
     std::vector<RegistryValue> values;

@@ -5,9 +5,13 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <string>
 #include <vector>
 
 namespace machine {
+
+// "REG_MULTI_SZ", or the number of a type that has no name.
+std::string RegistryTypeName(DWORD type);
 
 // The values of one registry key, by name: a text (REG_SZ), a number (REG_DWORD), or an object that names the type and
 // gives the data as text, number or bytes.

@@ -43,23 +43,35 @@ void Replace(Text& text, const Text& from, const Text& to)
         text.replace(at, from.size(), to);
 }
 
+using Contents = std::array<NamedContents, 3>;
+
+Contents ReadFiles(const QovXml::Config& files)
+{
+    Contents contents;
+    const std::string* const paths[] = {&files.ConfigurationFile, &files.SettingsFile,
+                                        &files.ApoPipelinesDefinitionFile};
+    for (std::size_t index = 0; index < contents.size(); ++index)
+        contents[index] = {*paths[index], ReadFile(*paths[index])};
+    return contents;
+}
+
 // The copies of the three files, and the names that they stand for.
 class Copies {
 public:
-    explicit Copies(const QovXml::Config& originals)
-        : pairs_{{{originals.ConfigurationFile, CopyPath("configuration.xml")},
-                  {originals.SettingsFile, CopyPath("settings.xml")},
-                  {originals.ApoPipelinesDefinitionFile, CopyPath("pipelines.xml")}}}
+    explicit Copies(const Contents& originals)
+        : pairs_{{{originals[0].path, CopyPath("configuration.xml")},
+                  {originals[1].path, CopyPath("settings.xml")},
+                  {originals[2].path, CopyPath("pipelines.xml")}}}
     {
     }
 
     // Copies every file that there is.
-    std::array<FileOutcome, 3> Make() const
+    std::array<FileOutcome, 3> Make(const Contents& originals) const
     {
         std::array<FileOutcome, 3> files;
         for (std::size_t index = 0; index < pairs_.size(); ++index) {
             const auto& [original, copy] = pairs_[index];
-            files[index] = {original, ReadFile(original), {}};
+            files[index] = {original, originals[index].bytes, {}};
             if (!files[index].before)
                 continue;
             std::ofstream file(copy, std::ios::binary);
@@ -133,11 +145,11 @@ private:
     std::vector<Event> events_;
 };
 
-Outcome Run(const QovXml::Config& files, const simulation::SimulatedMachine* machine)
+Outcome Run(const Contents& files, const simulation::SimulatedMachine* machine)
 {
     const Copies copies(files);
     Outcome outcome;
-    outcome.files = copies.Make();
+    outcome.files = copies.Make(files);
     EventLogger logger(copies, machine);
     try {
         QovXml::ConfigureQovXmls(copies.Paths(), logger);
@@ -153,13 +165,18 @@ Outcome Run(const QovXml::Config& files, const simulation::SimulatedMachine* mac
 
 Outcome Rehearse(const machine::MachineDescription& machine, const QovXml::Config& files)
 {
+    return RehearseContents(machine, ReadFiles(files));
+}
+
+Outcome RehearseContents(const machine::MachineDescription& machine, const std::array<NamedContents, 3>& files)
+{
     const simulation::SimulatedMachine simulated(machine);
     Outcome outcome = Run(files, &simulated);
     outcome.unusedFaults = simulated.FaultsThatNeverFired();
     return outcome;
 }
 
-Outcome Rehearse(const QovXml::Config& files) { return Run(files, nullptr); }
+Outcome Rehearse(const QovXml::Config& files) { return Run(ReadFiles(files), nullptr); }
 
 std::vector<LogMessage> Log(const Outcome& outcome)
 {

@@ -44,6 +44,13 @@ struct Outcome {
 Outcome Rehearse(const machine::MachineDescription& machine, const QovXml::Config& files);
 Outcome Rehearse(const QovXml::Config& files);
 
+// The same of files that need not exist.
+struct NamedContents {
+    std::string path;  // different ones
+    std::optional<std::string> bytes;
+};
+Outcome RehearseContents(const machine::MachineDescription& machine, const std::array<NamedContents, 3>& files);
+
 // The messages alone.
 std::vector<LogMessage> Log(const Outcome& outcome);
 

@@ -13,28 +13,27 @@ namespace simulation {
 
 struct CallRecord {
     std::string call;       // one of machine::PlatformCalls()
-    std::string object;     // which object of the machine it was made on; empty for a Windows function
+    std::string object;     // which object of the machine it was made on, or the path of a registry key
     std::string arguments;  // those that matter, as text
-    LONG result = 0;        // what the simulated object answered; 0 for a Windows function that was not made to fail
+    LONG result = 0;        // what it gave; for VerifyVersionInfoW the last error, 0 with TRUE
 };
 
 class CallMonitor {
 public:
     explicit CallMonitor(const std::vector<machine::Fault>& faults) : faults_(faults.begin(), faults.end()) {}
 
-    // Notes a Windows function; gives the result that it must give, if there is one.
-    std::optional<LONG> EnterFunction(std::string_view call);
-
-    // Runs a method of a simulated object, or gives the failure that it must give. A fault whose result is a success
-    // code takes the place of the body's own success.
+    // Runs a Windows function or a method of a simulated object, or gives the failure that it must give. A fault whose
+    // result is a success code takes the place of the body's own success.
     template <class Body>
-    HRESULT Method(std::string_view call, const std::string& object, const std::string& arguments, Body body)
+    LONG Watch(std::string_view call, const std::string& object, const std::string& arguments, Body body)
     {
-        const std::size_t record = Begin(call, object, arguments);
+        const machine::PlatformCall& kind = *machine::FindPlatformCall(call);
+        const std::size_t record = calls_.size();
+        calls_.push_back({std::string(call), object, arguments, 0});
         const std::optional<LONG> fault = FaultOf(calls_[record]);
-        HRESULT result = fault.value_or(S_OK);
-        if (SUCCEEDED(result))
-            if (const HRESULT own = body(); FAILED(own) || !fault)
+        LONG result = fault.value_or(0);
+        if (!kind.IsFailure(result))
+            if (const LONG own = body(); kind.IsFailure(own) || !fault)
                 result = own;
         // The body may make calls of its own: the record is found again by its number.
         calls_[record].result = result;
@@ -55,7 +54,6 @@ private:
         bool fired = false;
     };
 
-    std::size_t Begin(std::string_view call, const std::string& object, const std::string& arguments);
     std::optional<LONG> FaultOf(const CallRecord& record);
 
     std::vector<WatchedFault> faults_;

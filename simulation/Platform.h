@@ -4,14 +4,7 @@
 #include "machine/MachineDescription.h"
 #include "simulation/CallMonitor.h"
 
-#include <stdexcept>
-
 namespace simulation {
-
-// A well-formed description of a machine that cannot be played on this system.
-struct UnusableMachine : std::runtime_error {
-    using runtime_error::runtime_error;
-};
 
 // While it lives, the system reports the machine's Windows version, and the monitor sees every call of a Windows
 // function. Throws UnusableMachine when this system cannot do what the machine asks for.

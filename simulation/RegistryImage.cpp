@@ -2,7 +2,7 @@
 
 #include "common/Owners.h"
 #include "machine/Utf16.h"
-#include "simulation/Platform.h"
+#include "simulation/UnusableMachine.h"
 
 #include <random>
 #include <stdexcept>
@@ -53,9 +53,8 @@ void WriteProperties(const qov::RegistryKey& endpointKey, const wchar_t* name,
 
 void WriteEndpoints(const qov::RegistryKey& root, const machine::MachineDescription& machine)
 {
-    const std::wstring audio = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\MMDevices\\Audio\\";
-    const qov::RegistryKey render = CreateKey(root.Get(), audio + L"Render");
-    const qov::RegistryKey capture = CreateKey(root.Get(), audio + L"Capture");
+    const qov::RegistryKey render = CreateKey(root.Get(), machine::EndpointsKeyPath(eRender));
+    const qov::RegistryKey capture = CreateKey(root.Get(), machine::EndpointsKeyPath(eCapture));
     for (const machine::Endpoint& endpoint : machine.endpoints) {
         if (!endpoint.registered)
             continue;

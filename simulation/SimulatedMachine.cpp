@@ -1,48 +1,61 @@
 #include "simulation/SimulatedMachine.h"
 
 #include "common/ComPtr.h"
+#include "simulation/Platform.h"
+#include "simulation/RegistryImage.h"
+#include "simulation/devices/ComObject.h"
 #include "simulation/devices/DeviceEnumerator.h"
 
 #include <mmdeviceapi.h>
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 
 namespace simulation {
 
 namespace {
 
-std::atomic<bool> machineSimulated = false;
+// The only one of this process.
+class OnlyOne {
+public:
+    OnlyOne()
+    {
+        if (exists.exchange(true))
+            throw std::runtime_error("This process sees a simulated machine already");
+    }
+    OnlyOne(const OnlyOne&) = delete;
+    OnlyOne& operator=(const OnlyOne&) = delete;
+    ~OnlyOne() { exists = false; }
 
-}  // namespace
+private:
+    static inline std::atomic<bool> exists = false;
+};
 
-SimulatedMachine::OnlyOne::OnlyOne()
-{
-    if (machineSimulated.exchange(true))
-        throw std::runtime_error("This process sees a simulated machine already");
-}
+// Holds the class object in the multithreaded apartment, from a thread of its own.
+class ClassObjectHost {
+public:
+    explicit ClassObjectHost(MachinePtr machine);
+    ClassObjectHost(const ClassObjectHost&) = delete;
+    ClassObjectHost& operator=(const ClassObjectHost&) = delete;
+    ~ClassObjectHost();
 
-SimulatedMachine::OnlyOne::~OnlyOne() { machineSimulated = false; }
+private:
+    void Run(const MachinePtr& machine);
 
-SimulatedMachine::SimulatedMachine(machine::MachineDescription description)
-    : state_(std::make_shared<MachineState>(std::move(description))),
-      registry_(state_->description),
-      classObject_(state_),
-      platform_(state_->description, state_->calls)
-{
-}
+    enum class Phase { Starting, Serving, Ending };
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    Phase phase_ = Phase::Starting;
+    HRESULT result_ = E_FAIL;
+    std::thread thread_;
+};
 
-SimulatedMachine::~SimulatedMachine() = default;
-
-std::optional<UINT> SimulatedMachine::Selection(const machine::PartAddress& selector) const
-{
-    const auto found = state_->selections.find(selector);
-    return found == state_->selections.end() ? std::nullopt : std::optional(found->second);
-}
-
-SimulatedMachine::ClassObjectHost::ClassObjectHost(MachinePtr machine)
-    : thread_([this, machine = std::move(machine)] { Run(machine); })
+ClassObjectHost::ClassObjectHost(MachinePtr machine) : thread_([this, machine = std::move(machine)] { Run(machine); })
 {
     std::unique_lock lock(mutex_);
     changed_.wait(lock, [this] { return phase_ != Phase::Starting; });
@@ -54,7 +67,7 @@ SimulatedMachine::ClassObjectHost::ClassObjectHost(MachinePtr machine)
     }
 }
 
-SimulatedMachine::ClassObjectHost::~ClassObjectHost()
+ClassObjectHost::~ClassObjectHost()
 {
     {
         const std::lock_guard lock(mutex_);
@@ -64,7 +77,7 @@ SimulatedMachine::ClassObjectHost::~ClassObjectHost()
     thread_.join();
 }
 
-void SimulatedMachine::ClassObjectHost::Run(const MachinePtr& machine)
+void ClassObjectHost::Run(const MachinePtr& machine)
 {
     LeaveSharedFiles();
     DWORD cookie = 0;
@@ -89,6 +102,45 @@ void SimulatedMachine::ClassObjectHost::Run(const MachinePtr& machine)
         (void)CoRevokeClassObject(cookie);
     if (SUCCEEDED(joined))
         CoUninitialize();
+}
+
+}  // namespace
+
+struct SimulatedMachine::Installation {
+    explicit Installation(machine::MachineDescription description)
+        : state(std::make_shared<MachineState>(std::move(description))),
+          registry(state->description),
+          classObject(state),
+          platform(state->description, state->calls)
+    {
+    }
+
+    OnlyOne onlyOne;
+    MachinePtr state;
+    RegistryImage registry;
+    ClassObjectHost classObject;
+    PlatformScope platform;  // last: nothing of the installation itself is recorded or made to fail
+};
+
+SimulatedMachine::SimulatedMachine(machine::MachineDescription description)
+    : installation_(std::make_unique<Installation>(std::move(description)))
+{
+}
+
+SimulatedMachine::~SimulatedMachine() = default;
+
+const std::vector<CallRecord>& SimulatedMachine::Calls() const { return installation_->state->calls.Calls(); }
+
+std::vector<machine::Fault> SimulatedMachine::FaultsThatNeverFired() const
+{
+    return installation_->state->calls.FaultsThatNeverFired();
+}
+
+std::optional<UINT> SimulatedMachine::Selection(const machine::PartAddress& selector) const
+{
+    const auto& selections = installation_->state->selections;
+    const auto found = selections.find(selector);
+    return found == selections.end() ? std::nullopt : std::optional(found->second);
 }
 
 }  // namespace simulation

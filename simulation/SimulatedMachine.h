@@ -1,15 +1,12 @@
+// A described machine in the place of the one that the process runs on.
 #pragma once
 
 #include "machine/MachineDescription.h"
 #include "simulation/CallMonitor.h"
-#include "simulation/Platform.h"
-#include "simulation/RegistryImage.h"
-#include "simulation/devices/ComObject.h"
+#include "simulation/UnusableMachine.h"
 
-#include <condition_variable>
-#include <mutex>
+#include <memory>
 #include <optional>
-#include <thread>
 #include <vector>
 
 namespace simulation {
@@ -25,51 +22,18 @@ public:
     ~SimulatedMachine();
 
     // The platform calls since it was made, in order.
-    [[nodiscard]] const std::vector<CallRecord>& Calls() const { return state_->calls.Calls(); }
+    [[nodiscard]] const std::vector<CallRecord>& Calls() const;
 
     // The faults that no call has met so far: what they were meant to make fail was never asked.
-    [[nodiscard]] std::vector<machine::Fault> FaultsThatNeverFired() const
-    {
-        return state_->calls.FaultsThatNeverFired();
-    }
+    [[nodiscard]] std::vector<machine::Fault> FaultsThatNeverFired() const;
 
     // The local id that a selector was switched to last; none: it never was.
     [[nodiscard]] std::optional<UINT> Selection(const machine::PartAddress& selector) const;
 
 private:
-    // Holds the class object in the multithreaded apartment, from a thread of its own.
-    class ClassObjectHost {
-    public:
-        explicit ClassObjectHost(MachinePtr machine);
-        ClassObjectHost(const ClassObjectHost&) = delete;
-        ClassObjectHost& operator=(const ClassObjectHost&) = delete;
-        ~ClassObjectHost();
+    struct Installation;
 
-    private:
-        void Run(const MachinePtr& machine);
-
-        enum class Phase { Starting, Serving, Ending };
-        std::mutex mutex_;
-        std::condition_variable changed_;
-        Phase phase_ = Phase::Starting;
-        HRESULT result_ = E_FAIL;
-        std::thread thread_;
-    };
-
-    // The only one of this process.
-    class OnlyOne {
-    public:
-        OnlyOne();
-        OnlyOne(const OnlyOne&) = delete;
-        OnlyOne& operator=(const OnlyOne&) = delete;
-        ~OnlyOne();
-    };
-
-    OnlyOne onlyOne_;
-    MachinePtr state_;
-    RegistryImage registry_;
-    ClassObjectHost classObject_;
-    PlatformScope platform_;  // last: nothing of the installation itself is recorded or made to fail
+    std::unique_ptr<Installation> installation_;
 };
 
 }  // namespace simulation

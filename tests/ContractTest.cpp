@@ -5,6 +5,7 @@
 #include <objbase.h>
 
 #include <random>
+#include <set>
 #include <string>
 #include <thread>
 #include <tuple>
@@ -108,20 +109,48 @@ TEST(TextContract, OrdinalComparisonTakesCaseAsTheRegistryDoes)
     EXPECT_EQ(CompareStringOrdinal(L"Value", -1, upper, -1, TRUE), CSTR_LESS_THAN);
 }
 
-TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
+using Enumerate = LSTATUS (*)(HKEY key, DWORD index, LPWSTR name, LPDWORD length);
+
+std::vector<std::wstring> NamesIn(HKEY key, Enumerate enumerate)
 {
-    for (const LPCWSTR name : {L"{b}", L"b", L"A\\Inner", L"C", L"{a}-", L"aa", L"{a}"})
-        Add(name);
     std::vector<std::wstring> names;
     WCHAR text[16];
     LSTATUS result = ERROR_SUCCESS;
     for (DWORD index = 0, length = 16; result == ERROR_SUCCESS; ++index, length = 16) {
-        result = RegEnumKeyExW(root_, index, text, &length, nullptr, nullptr, nullptr, nullptr);
+        result = enumerate(key, index, text, &length);
         if (result == ERROR_SUCCESS)
             names.emplace_back(text, length);
     }
     EXPECT_EQ(result, ERROR_NO_MORE_ITEMS);
+    for (DWORD index = 0; index < names.size(); ++index)
+        if (DWORD length = static_cast<DWORD>(names[index].size())) {
+            EXPECT_EQ(enumerate(key, index, text, &length), ERROR_MORE_DATA) << "no room for the terminator";
+        }
+    return names;
+}
+
+// Their order is no fact.
+TEST_F(RegistryContract, ValuesAreListedEachOnce)
+{
+    const std::set<std::wstring> names = {L"", L"{b},1", L"a", L"B"};
+    for (const std::wstring& name : names)
+        EXPECT_EQ(RegSetValueExW(root_, name.c_str(), 0, REG_BINARY, nullptr, 0), ERROR_SUCCESS);
+    const std::vector<std::wstring> listed = NamesIn(root_, [](HKEY key, DWORD index, LPWSTR name, LPDWORD length) {
+        return RegEnumValueW(key, index, name, length, nullptr, nullptr, nullptr, nullptr);
+    });
+    EXPECT_EQ(listed.size(), names.size());
+    EXPECT_EQ(std::set(listed.begin(), listed.end()), names);
+}
+
+TEST_F(RegistryContract, SubkeysAreCountedAndListedInNameOrder)
+{
+    for (const LPCWSTR name : {L"{b}", L"b", L"A\\Inner", L"C", L"{a}-", L"aa", L"{a}"})
+        Add(name);
+    const std::vector<std::wstring> names = NamesIn(root_, [](HKEY key, DWORD index, LPWSTR name, LPDWORD length) {
+        return RegEnumKeyExW(key, index, name, length, nullptr, nullptr, nullptr, nullptr);
+    });
     EXPECT_EQ(names, (std::vector<std::wstring>{L"A", L"aa", L"b", L"C", L"{a}", L"{a}-", L"{b}"}));
+    WCHAR text[16];
     DWORD classLength = 16, count = 0;
     (void)RegQueryInfoKeyW(root_, text, &classLength, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr,
                            nullptr, nullptr);

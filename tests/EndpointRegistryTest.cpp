@@ -162,4 +162,41 @@ TEST(EndpointRegistryTest, ListsOneDirectionOnly)
               "Unsupported endpoint type. Use either 'Capture' or 'Render'.");
 }
 
+// What only the stand-in can tell.
+TEST(RegistryCallsStandInTest, AreRecordedAndFailByKeyAndValue)
+{
+    machine::MachineDescription machine;
+    machine.endpoints.resize(1);
+    machine.endpoints[0].properties = {{L"v\u00e4lue", REG_BINARY, {1}}, {L"other", REG_BINARY, {2}}};
+    const std::string key =
+        R"(SOFTWARE\Microsoft\Windows\CurrentVersion\MMDevices\Audio\Render\{00000000-0000-0000-0000-000000000000}\)";
+    machine.faults = {{"RegQueryValueExW", {}, ERROR_ACCESS_DENIED, key + "Properties", "v\u00e4lue"},
+                      {"RegOpenKeyExW", {}, 19, key + "Other"}};
+    const SimulatedMachine simulated(machine);
+    const std::string denied = "Could not read registry value. RegQueryValueEx: 0x5";
+    EXPECT_EQ(std::get<0>(Read(0, Render, Properties, L"v\u00e4lue")), denied);
+    EXPECT_EQ(std::get<1>(Read(0, Render, Properties, L"other")), Bytes{2});
+    EXPECT_EQ(std::get<1>(Read(0, Render, FxProperties, L"other")), Bytes{});
+
+    using Record = std::tuple<std::string, std::string, std::string, LONG>;
+    std::vector<Record> records;
+    for (const simulation::CallRecord& call : simulated.Calls())
+        records.emplace_back(call.call, call.object, call.arguments, call.result);
+    const Record guid = {"StringFromCLSID", "", "{00000000-0000-0000-0000-000000000000}", 0};
+    const Record open = {"RegOpenKeyExW", key + "Properties", "", 0},
+                 close = {"RegCloseKey", key + "Properties", "", 0};
+    const Record other = {"RegQueryValueExW", key + "Properties", "other", 0};
+    EXPECT_EQ(records, (std::vector<Record>{guid,
+                                            open,
+                                            {"RegQueryValueExW", key + "Properties", "v\u00e4lue", 5},
+                                            close,  //
+                                            guid,
+                                            open,
+                                            other,
+                                            other,
+                                            close,  //
+                                            guid,
+                                            {"RegOpenKeyExW", key + "FxProperties", "", 2}}));
+}
+
 }  // namespace

@@ -169,10 +169,11 @@ TEST(MachineJsonTest, TellsNoMistakeThatFollowsFromAnother)
 
 TEST(MachineJsonTest, FaultsNameObjectsThatTheirCallIsMadeOn)
 {
-    const struct {
+    struct Row {
         const char* call;
         std::vector<std::string> right, wrong;
-    } rows[] = {
+    };
+    std::vector<Row> rows = {
         {"CoCreateInstance", {}, {"wave"}},
         {"IMMDeviceCollection::GetCount", {}, {"speakers"}},
         {"IMMDeviceEnumerator::GetDevice", {"speakers", "wave"}, {"", "phones", "wave/00010000"}},
@@ -186,13 +187,18 @@ TEST(MachineJsonTest, FaultsNameObjectsThatTheirCallIsMadeOn)
         {"IAudioInputSelector::SetSelection", {"wave/00020000"}, {"wave/00020001", "wave/00010000"}},
         {"IAudioOutputSelector::SetSelection", {"wave/00020001"}, {"wave/00020000"}},
     };
+    const std::string render = R"(SOFTWARE\Microsoft\Windows\CurrentVersion\MMDevices\Audio\Render)";
+    const std::string speakers = render + R"(\{0A000000-0000-4000-8000-0000000000FF}\)";
+    rows.push_back({"RegQueryValueExW",
+                    {render, speakers + "Properties", speakers + "FxProperties"},
+                    {"speakers", render + "\\", speakers, speakers + "Others"}});
     for (const auto& row : rows) {
+        const int code = machine::FindPlatformCall(row.call)->CanGive(5) ? 5 : -1;
         const auto parse = [&](const std::string& object) {
             const std::string devices = R"(, "devices": [{"id": "topo", "topology": {"parts": [{"id": "00010000"}]}},
                 {"id": "wave", "filter": {}, "topology": {"parts": [{"id": "00010000", "connector": "softwareIO"},
                     {"id": "00020000", "selector": "input"}, {"id": "00020001", "selector": "output"}]}}])";
-            const std::string fault =
-                std::string(R"({"call": ")") + row.call + R"(", "object": ")" + object + R"(", "result": -1})";
+            const std::string fault = nlohmann::json{{"call", row.call}, {"object", object}, {"result", code}}.dump();
             return ParseMachine(Machine(Endpoint(R"("flow": "render", "deviceId": "speakers")"),
                                         devices + R"(, "faults": [)" + fault + "]"),
                                 "m");

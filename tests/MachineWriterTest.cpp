@@ -94,7 +94,9 @@ TEST(MachineWriterTest, WritesInAFixedOrderWithoutDefaults)
         "topology": {"signalPaths": [], "parts": [{"id": "0001000A", "outgoing": [], "connector": "softwareIO"}]},
         "id": "wave"}],
       "faults": [{"result": "0x80004005", "occurrence": 2, "object": "wave/0001000a", "call": "IPart::GetLocalId"},
-                 {"result": "0x5", "call": "RegCloseKey"}],
+                 {"result": "0x5", "call": "RegCloseKey"},
+                 {"result": 5, "arguments": "z", "call": "RegQueryValueExW"}],
+      "notes": ["b", "a"],
       "registryKeys": {"capture": [], "render": ["z", "a"]},
       "endpoints": [{"friendlyName": "Speakers", "state": "active", "flow": "render", "registered": true,
         "deviceId": "{0.0.0.00000000}.{0a000000-0000-4000-8000-0000000000ff}",
@@ -129,8 +131,10 @@ TEST(MachineWriterTest, WritesInAFixedOrderWithoutDefaults)
   "registryKeys": { "render": ["z", "a"] },
   "faults": [
     { "call": "IPart::GetLocalId", "object": "wave/0001000a", "occurrence": 2, "result": "0x80004005" },
-    { "call": "RegCloseKey", "result": 5 }
-  ]
+    { "call": "RegCloseKey", "result": 5 },
+    { "call": "RegQueryValueExW", "arguments": "z", "result": 5 }
+  ],
+  "notes": ["b", "a"]
 }
 )");
 }

@@ -20,6 +20,8 @@ add_wine_test(host-parts win10 host_tests "-${excluded}")
 
 add_wine_test(scenarios win10 scenario_tests "-${stand_in_scenarios}:${windows8_scenarios}")
 add_wine_test(scenarios-windows8 win8 scenario_tests "${windows8_scenarios}")
+add_wine_test(snapshots win10 snapshot_tests "-${excluded}:${stand_in_scenarios}:${windows8_scenarios}")
+add_wine_test(snapshots-windows8 win8 snapshot_tests "${windows8_scenarios}")
 
 # The real program, as a user starts it.
 find_program(PYTEST NAMES pytest-3 pytest REQUIRED)

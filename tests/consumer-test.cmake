@@ -46,14 +46,28 @@ set(files QovConfiguration.xml QovSettings.xml ApoPipelinesDefinition.xml)
 file(REMOVE_RECURSE ${scratch})
 file(COPY ${PROJECT}/examples/xml DESTINATION ${scratch})
 extract_from_readme(${scratch}/source/main.cpp cpp "#include <QovXml.h>")
+extract_from_readme(${scratch}/source/test.cpp cpp "#include <QovXml.h>\n#include <machine")
 extract_from_readme(${scratch}/source/CMakeLists.txt cmake "cmake_minimum_required")
+extract_from_readme(${scratch}/simulation.cmake cmake "find_package[^\n]*Simulation")
 file(APPEND ${scratch}/source/CMakeLists.txt "include(${PROJECT}/tests/consumer/Checks.cmake)\n")
 
 run(ignored ${CMAKE_COMMAND} --install ${BUILD} --prefix ${scratch}/installed)
 set(programs ${scratch}/programs)
-build_programs(${scratch}/installed ${programs})
+build_programs(${scratch}/installed ${programs} -D SIMULATION=${scratch}/simulation.cmake)
 expect(your-program EXIT 2 PRINTS "^usage: your-program CONFIGURATION SETTINGS PIPELINES")
 expect(utf8 EXIT 0)
+
+# README's test, on installed machines; the first leaves the files as they are.
+set(machines ../installed/share/QovXml/examples/machines)
+expect(your-test ${machines}/refused-two-modes.json ${files} EXIT 1
+  PRINTS "A run APO module installed in more than one mode.*\nAPO module installed in more than one mode")
+expect(your-test ${machines}/laptop-spatialf.json ${files} EXIT 0
+  PRINTS "A run completes.*[1-9][0-9]* messages, [1-9][0-9]* platform calls")
+file(READ ${scratch}/xml/QovConfiguration.xml edited)
+if(NOT edited MATCHES "DeviceId:func_01&amp;ven_10ec&amp;dev_0285")
+  message(SEND_ERROR "README's test did not run the library on the simulated laptop")
+endif()
+file(COPY ${PROJECT}/examples/xml DESTINATION ${scratch})
 
 # The library alone, which looks neither for a JSON nor for a command-line library.
 set(library_alone -D QOVXML_BUILD_HOST=OFF

@@ -9,13 +9,15 @@ run(ignored ${CMAKE_CPACK_COMMAND} --config ${BUILD}/CPackConfig.cmake -B ${scra
 file(ARCHIVE_EXTRACT INPUT ${scratch}/${name}.zip DESTINATION ${scratch})
 
 file(GLOB_RECURSE files RELATIVE ${scratch}/${name} ${scratch}/${name}/*)
-list(FILTER files EXCLUDE REGEX "^lib/cmake/QovXml/")
+list(FILTER files EXCLUDE REGEX "^(lib/cmake/QovXml|include/QovXmlSimulation|share/QovXml/examples)/")
 list(SORT files)
 set(expected
   bin/QovXml.dll bin/qovxml-configure.exe
   include/ILogger.h include/QovXml.h
-  lib/libQovXml.dll.a
-  share/doc/QovXml/CHANGELOG.md share/doc/QovXml/MESSAGES.md share/doc/QovXml/XML-FILES.md)
+  lib/libQovXml.dll.a lib/libQovXmlSimulation.a
+  share/QovXml/machine.schema.json
+  share/doc/QovXml/CHANGELOG.md share/doc/QovXml/MESSAGES.md share/doc/QovXml/MISBEHAVING.md
+  share/doc/QovXml/XML-FILES.md share/doc/QovXml/report.png)
 if(NOT files STREQUAL expected)
   message(SEND_ERROR "the zip holds\n${files}\ninstead of\n${expected}")
 endif()

@@ -3,6 +3,7 @@
 #include "host/files/FileSession.h"
 #include "host/files/Interrupt.h"
 #include "host/files/Messages.h"
+#include "host/review/Culprit.h"
 #include "host/review/Findings.h"
 #include "host/review/OutcomeChecks.h"
 #include "host/review/Report.h"
@@ -10,7 +11,7 @@
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/Platform.h"
+#include "simulation/SimulatedMachine.h"
 
 #include <algorithm>
 #include <utility>
@@ -99,6 +100,8 @@ private:
         if (outcome.failure) {
             const bool pipelinesMissing =
                 findings.fileUnderEdit == PipelinesFile && !outcome.files[PipelinesFile].before;
+            if (!findings.fileUnderEdit)
+                TakeCulprits(outcome, findings);
             return ending_.Failed(pipelinesMissing ? FileProblemFound : RunFailed, FailureText(outcome, findings));
         }
         if (const auto problem = OutcomeProblem(outcome, findings))
@@ -116,6 +119,7 @@ private:
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
         ending_.AddWarnings(UnusedFaults(outcome));
+        TakeCulprits(outcome, findings);
         if (options_.dryRun)
             ending_.AddWarnings(session.Hindrances(options_.backupSuffix, changed));
         if (options_.strict && !ending_.report.warnings.empty())
@@ -139,6 +143,20 @@ private:
         return ending_.With(Done, Summary(ending_.report, findings));
     }
 
+    // Only a described machine tells its calls.
+    void TakeCulprits(const rehearsal::Outcome& outcome, const Findings& findings)
+    {
+        if (!machine_.description)
+            return;
+        Culprits culprits = FindCulprits(*machine_.description, outcome, findings);
+        ending_.report.atFault = std::move(culprits.lines);
+        ending_.report.moreBy = "qovxml-configure " + culprits.command;
+        if (options_.exampleMachine)
+            ending_.report.moreBy += " --example-machine";
+        else if (!options_.machineFile.empty())
+            ending_.report.moreBy += " --machine " + Harmless(options_.machineFile);
+    }
+
     ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)
     {
         ending_.report.outcome = outcome;
@@ -156,7 +174,7 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, options.backupSuffix.value_or(""), true,
+    return RunCommand(options, options.backupSuffix.value_or(""), MachineNeed::Own,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });

@@ -8,5 +8,9 @@ namespace host {
 // Throws Interrupted, with nothing left behind.
 ExitCode RunApply(const ApplyOptions& options);
 ExitCode RunRestore(const RestoreOptions& options);
+ExitCode RunTrace(const TraceOptions& options);
+ExitCode RunList(const ListOptions& options);
+ExitCode RunReport(const ReportOptions& options);
+ExitCode RunSnapshot(const SnapshotOptions& options);
 
 }  // namespace host

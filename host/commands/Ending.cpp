@@ -37,7 +37,8 @@ bool IsSameFile(const std::string& path, const std::string& other)
     return !error && whole == fs::weakly_canonical(fs::absolute(other), error) && !error;
 }
 
-// What must not become the log, which is emptied before anything is read.
+}  // namespace
+
 std::string_view UseOf(const std::string& path, const CommonOptions& options, const std::string& backupSuffix)
 {
     if (IsReservedName(path))
@@ -46,6 +47,8 @@ std::string_view UseOf(const std::string& path, const CommonOptions& options, co
         return "is the machine file";
     for (const std::string& file :
          {options.files.ConfigurationFile, options.files.SettingsFile, options.files.ApoPipelinesDefinitionFile}) {
+        if (file.empty())
+            continue;
         if (IsSameFile(path, file))
             return "is one of the three files";
         if (!backupSuffix.empty() && IsSameFile(path, file + backupSuffix))
@@ -54,9 +57,7 @@ std::string_view UseOf(const std::string& path, const CommonOptions& options, co
     return {};
 }
 
-}  // namespace
-
-ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, bool needsMachine,
+ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffix, MachineNeed need,
                     const CommandBody& body)
 {
     if (!options.logFile.empty())
@@ -64,7 +65,7 @@ ExitCode RunCommand(const CommonOptions& options, const std::string& backupSuffi
             return TellWrongUsage("--log-file: " + Harmless(options.logFile) + " " + std::string(use));
     ChosenMachine machine;
     try {
-        machine = ChooseMachine(options, needsMachine);
+        machine = ChooseMachine(options, need);
     } catch (const std::exception& failure) {
         return TellWrongUsage(HarmlessLines(failure.what()));
     }
@@ -94,7 +95,17 @@ ExitCode Ending::Failed(ExitCode code, const std::string& problems)
     report.message = problems;
     console_.Error(problems);
     logFile_.Write(problems);
+    for (const std::string& fault : report.atFault)
+        TellFault("At fault: " + fault);
+    if (!report.atFault.empty())
+        TellFault("More is told by: " + report.moreBy);
     return Finish(code);
+}
+
+void Ending::TellFault(const std::string& line)
+{
+    console_.Error(line);
+    logFile_.Write(line);
 }
 
 void Ending::TellNotices(const std::vector<std::string>& notices)

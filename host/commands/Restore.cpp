@@ -51,7 +51,7 @@ ExitCode Restore(const RestoreOptions& options, Ending& ending)
 
 ExitCode RunRestore(const RestoreOptions& options)
 {
-    return RunCommand(options, options.backupSuffix, false,
+    return RunCommand(options, options.backupSuffix, MachineNeed::None,
                       [&options](const ChosenMachine&, const Console& console, LogFile& logFile) {
                           Ending ending(options, console, logFile);
                           return Restore(options, ending);

@@ -64,8 +64,10 @@ bool TakeModule(std::string_view& text, std::size_t number, FoundModule& module)
         text.remove_prefix(end);
     }
     text.remove_prefix(1);
-    if (Skip(text, "* Property pin ID: "))
+    if (Skip(text, "* Property pin ID: ")) {
+        module.pin = text.substr(0, text.find_first_not_of("0123456789"));
         text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+    }
     return true;
 }
 

@@ -87,8 +87,10 @@ public:
             findings_.generation = WindowsGeneration::Windows8Point0OrLower;
         else if (message == L"Setting up APO pipelines definition file...")
             findings_.pipelinesWanted = true;
-        else if (IsDiscoveryReport(message))
+        else if (IsDiscoveryReport(message)) {
+            findings_.modulesTold = true;
             findings_.modules = ReadDiscoveryReport(message);
+        }
     }
 
     Findings Finish()

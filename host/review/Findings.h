@@ -27,6 +27,7 @@ struct FoundModule {
     std::string level;         // "Not wrapped" or "Wrapped"
     std::string type;          // "LFX", "GFX", "SFX", "MFX" or "EFX"
     std::string flow;          // "Render" or "Capture"
+    std::string pin{};         // of a firmware module: on which it was reported, decimal
 };
 
 enum class WindowsGeneration { Unknown, Windows8Point0OrLower, Windows8Point1OrGreater };
@@ -49,6 +50,7 @@ struct ValueSet {
 
 struct Findings {
     std::optional<std::size_t> deviceCount;    // active endpoints; none: the run ended before it counted them
+    bool modulesTold = false;                  // the run came to its report of them
     std::vector<FoundModule> modules;          // all, in the order of discovery
     std::optional<std::size_t> makersModules;  // as the run counted them; none: it ended before
     WindowsGeneration generation = WindowsGeneration::Unknown;

@@ -53,6 +53,8 @@ nlohmann::ordered_json OutcomeJson(const Report& report)
                    {"log", LogJson(report.log)}};
     if (report.diff)
         object["diff"] = Utf8(*report.diff);
+    if (!report.atFault.empty())
+        object["atFault"] = report.atFault;
     return object;
 }
 

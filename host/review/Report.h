@@ -27,7 +27,9 @@ struct Report {
     std::vector<std::string> warnings;
     std::vector<FileReport> files;  // in the order of Outcome::files
     std::vector<rehearsal::LogMessage> log;
-    std::optional<std::string> diff;  // with --diff
+    std::optional<std::string> diff;     // with --diff
+    std::vector<std::string> atFault{};  // endpoints, values and parts of the machine
+    std::string moreBy{};                // the command that tells more of them
 };
 
 // Of a completed run: what it makes of each file.

@@ -2,6 +2,7 @@
 
 #include "machine/Utf16.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 
@@ -109,6 +110,13 @@ std::string HarmlessLines(std::string_view bytes)
         text += '\n';
         bytes.remove_prefix(end + 1);
     }
+}
+
+std::size_t Width(std::string_view text)
+{
+    // Continuation bytes take no room.
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
 std::string NarrowUnits(std::wstring_view text)

@@ -1,6 +1,7 @@
 // Texts from files, paths, the machine and its driver, made fit to be shown.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,9 @@ std::string Harmless(std::string_view bytes);
 
 // Likewise, but line feeds stay, and a carriage return before one goes.
 std::string HarmlessLines(std::string_view bytes);
+
+// Characters of well-formed UTF-8.
+std::size_t Width(std::string_view text);
 
 // The bytes that the library widened one by one.
 std::string NarrowUnits(std::wstring_view text);

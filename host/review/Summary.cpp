@@ -11,13 +11,6 @@ namespace {
 // A table under a heading; the last column is as wide as it likes.
 using Row = std::vector<std::string>;
 
-// Characters, not bytes: continuation bytes of UTF-8 take no room.
-std::size_t Width(const std::string& text)
-{
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
-}
-
 // No line begins with what comes from the machine or is a path: `patch` must not take one for the head of a diff.
 std::string Table(const std::string& heading, const std::vector<Row>& rows)
 {
@@ -123,12 +116,12 @@ std::string Files(const Report& report)
     return Table(any || report.message ? "Files" : "Nothing to change", rows);
 }
 
-std::string WarningsOf(const Report& report)
+std::string ListOf(const std::string& heading, const std::vector<std::string>& lines)
 {
     std::vector<Row> rows;
-    for (const std::string& warning : report.warnings)
-        rows.push_back({Harmless(warning)});
-    return rows.empty() ? "" : Table("Warnings", rows);
+    for (const std::string& line : lines)
+        rows.push_back({Harmless(line)});
+    return rows.empty() ? "" : Table(heading, rows);
 }
 
 }  // namespace
@@ -136,7 +129,8 @@ std::string WarningsOf(const Report& report)
 std::string Summary(const Report& report, const Findings& findings)
 {
     return MachineLine(findings) + ModulesOfMaker(findings) + Blocks(findings) + Values(findings) + Files(report) +
-           WarningsOf(report);
+           ListOf("Warnings", report.warnings) + ListOf("At fault", report.atFault) +
+           (report.atFault.empty() ? "" : ListOf("More is told by", {report.moreBy}));
 }
 
 }  // namespace host

@@ -72,7 +72,7 @@ protected:
     template <class Body>
     HRESULT Recorded(const char* call, const std::string& object, const std::string& arguments, Body body)
     {
-        return machine_->calls.Method(call, object, arguments, std::move(body));
+        return machine_->calls.Watch(call, object, arguments, std::move(body));
     }
 
 private:

@@ -118,8 +118,10 @@ public:
     }
     HRESULT STDMETHODCALLTYPE GetState(DWORD* state) override
     {
-        *state = endpoint_.state;
-        return S_OK;
+        return Recorded("IMMDevice::GetState", Object(), {}, [&] {
+            *state = endpoint_.state;
+            return S_OK;
+        });
     }
     HRESULT STDMETHODCALLTYPE GetDataFlow(EDataFlow* flow) override
     {
@@ -143,8 +145,10 @@ public:
     HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore**) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetState(DWORD* state) override
     {
-        *state = DEVICE_STATE_ACTIVE;
-        return S_OK;
+        return Recorded("IMMDevice::GetState", Object(), {}, [&] {
+            *state = DEVICE_STATE_ACTIVE;
+            return S_OK;
+        });
     }
 
 private:

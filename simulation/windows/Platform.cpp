@@ -1,6 +1,8 @@
 // Windows reports itself, and its functions cannot be watched: a machine that needs more is refused.
 #include "simulation/Platform.h"
 
+#include "simulation/UnusableMachine.h"
+
 #include <string>
 
 namespace simulation {

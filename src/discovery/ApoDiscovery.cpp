@@ -7,9 +7,9 @@
 
 #include <algorithm>
 #include <charconv>
-#include <exception>
 #include <iterator>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -41,7 +41,7 @@ std::optional<GUID> SlotGuid(const std::wstring& text)
 {
     try {
         return TextToGuid(text);
-    } catch (const std::exception&) {
+    } catch (const std::runtime_error&) {
         return std::nullopt;
     }
 }

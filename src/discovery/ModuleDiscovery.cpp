@@ -50,7 +50,8 @@ void LogDiscoveredModules(ILogger& logger, ModuleList modules)
 {
     constexpr wchar_t Rule[] = L"=======================================";
     std::wostringstream report;
-    report.imbue(std::locale::classic());  // no grouping of digits, whatever the host has set
+    report.exceptions(std::ios_base::badbit);  // a memory shortage ends the run, and does not cut the report short
+    report.imbue(std::locale::classic());      // no grouping of digits, whatever the host has set
     report << L"\n" << Rule << L"\n" << L"Discovered audio modules: " << L"\n" << Rule << L"\n";
     std::int32_t number = 0;
     for (const AudioModule& module : modules)

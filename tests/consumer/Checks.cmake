@@ -8,3 +8,8 @@ target_link_libraries(exceptions PRIVATE QovXml::QovXml)
 
 add_executable(without-manifest main.cpp)
 target_link_libraries(without-manifest PRIVATE QovXml::QovXml)
+
+# README's test of a host program, where the package has the simulation.
+if(SIMULATION)
+  include(${SIMULATION})
+endif()

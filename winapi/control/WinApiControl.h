@@ -1,20 +1,29 @@
-// What a real Windows does not offer and the stand-in does: to count what is held, to make a call fail, to say which
-// Windows it is.
+// What a real Windows does not offer and the stand-in does: to count what is held, to watch calls and make them fail,
+// to say which Windows it is.
 #pragma once
 
 #include <windows.h>
 
 #include <cstddef>
 #include <functional>
-#include <optional>
+#include <string>
 
 namespace winapi {
 
-// Called on entry of every fallible function with its name. A value makes the function do nothing but give that
-// result (a Windows error code or an HRESULT, as the function returns; for VerifyVersionInfoW the last error, with
-// FALSE). Two exceptions: a failed RegCloseKey still gives up the handle, and an HRESULT that is a success code is
-// given in the place of S_OK by a function that does its work.
-using CallHook = std::function<std::optional<LONG>(const char* function)>;
+// A call of a function, as text.
+struct FunctionCall {
+    const char* function;
+    // Of a registry function the path of its key, as it was opened, below the predefined key.
+    std::wstring object{};
+    // The name of a value, the index of an enumeration, a class id, the apartment that is joined, or the Windows
+    // version that is asked for.
+    std::wstring arguments{};
+};
+
+// Called in the place of every function that the library calls and that can fail. Gives the result of the function (a
+// Windows error code or an HRESULT, as the function returns; for VerifyVersionInfoW the last error, 0 with TRUE):
+// `body` does the function's work and tells its own. RegCloseKey gives up the handle whatever the hook does.
+using CallHook = std::function<LONG(const FunctionCall& call, const std::function<LONG()>& body)>;
 void SetCallHook(CallHook hook);
 
 // What the process holds at this moment.

@@ -10,6 +10,7 @@ constexpr DWORD DEVICE_STATE_ACTIVE = 0x1;
 constexpr DWORD DEVICE_STATE_DISABLED = 0x2;
 constexpr DWORD DEVICE_STATE_NOTPRESENT = 0x4;
 constexpr DWORD DEVICE_STATE_UNPLUGGED = 0x8;
+constexpr DWORD DEVICE_STATEMASK_ALL = 0xF;
 
 struct IMMNotificationClient;
 

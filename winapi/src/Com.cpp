@@ -4,12 +4,13 @@
 #include "Internal.h"
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <thread>
 
 namespace {
 
-using winapi::internal::Intercepted;
+using winapi::internal::ClassIdText;
 using winapi::internal::Unsupported;
 using winapi::internal::Watched;
 
@@ -42,6 +43,10 @@ ComState& Com()
     return state;
 }
 
+struct Releaser {
+    void operator()(IUnknown* object) const { object->Release(); }
+};
+
 // A thread that joined no apartment belongs to the multithreaded one for as long as any thread holds that one.
 bool CurrentApartment(const ComState& com, std::thread::id& thread)
 {
@@ -63,9 +68,10 @@ HRESULT STDAPICALLTYPE CoInitializeEx(LPVOID reserved, DWORD apartment)
     if (reserved != nullptr ||
         (apartment & ~static_cast<DWORD>(COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE)) != 0)
         Unsupported("CoInitializeEx", "reserved pointer or apartment flags");
-    return Watched("CoInitializeEx", [&]() -> HRESULT {
-        const Apartment wanted =
-            (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+    const Apartment wanted =
+        (apartment & COINIT_APARTMENTTHREADED) != 0 ? Apartment::SingleThreaded : Apartment::Multithreaded;
+    const wchar_t* const name = wanted == Apartment::Multithreaded ? L"multithreaded" : L"single-threaded";
+    return Watched({"CoInitializeEx", {}, name}, [&]() -> HRESULT {
         if (thisThread.joins > 0 && thisThread.apartment != wanted)
             return RPC_E_CHANGED_MODE;
         const std::lock_guard lock(Com().mutex);
@@ -102,7 +108,7 @@ HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD
     if (object == nullptr)
         return E_POINTER;
     *object = nullptr;
-    return Watched("CoCreateInstance", [&]() -> HRESULT {
+    return Watched({"CoCreateInstance", {}, ClassIdText(classId)}, [&]() -> HRESULT {
         IUnknown* registered = nullptr;
         {
             const std::lock_guard lock(Com().mutex);
@@ -116,14 +122,13 @@ HRESULT STDAPICALLTYPE CoCreateInstance(REFCLSID classId, IUnknown* outer, DWORD
                 return REGDB_E_CLASSNOTREG;
             registered->AddRef();
         }
-        void* factory = nullptr;
-        HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &factory);
+        void* queried = nullptr;
+        const HRESULT result = registered->QueryInterface(__uuidof(IClassFactory), &queried);
         registered->Release();
         if (FAILED(result))
             return result;
-        result = static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, riid, object);
-        static_cast<IClassFactory*>(factory)->Release();
-        return result;
+        const std::unique_ptr<IClassFactory, Releaser> factory(static_cast<IClassFactory*>(queried));
+        return factory->CreateInstance(nullptr, riid, object);
     });
 }
 
@@ -132,8 +137,6 @@ HRESULT STDAPICALLTYPE CoRegisterClassObject(REFCLSID classId, IUnknown* factory
 {
     if (context != CLSCTX_INPROC_SERVER || flags != REGCLS_MULTIPLEUSE)
         Unsupported("CoRegisterClassObject", "a context or flags other than a multiple-use server in process");
-    if (const auto result = Intercepted("CoRegisterClassObject"))
-        return *result;
     const std::lock_guard lock(Com().mutex);
     std::thread::id thread;
     if (!CurrentApartment(Com(), thread))

@@ -34,7 +34,10 @@ Holdings CurrentHoldings()
 
 namespace internal {
 
-std::optional<LONG> Intercepted(const char* name) { return Hook() ? Hook()(name) : std::nullopt; }
+LONG Watched(const FunctionCall& call, const std::function<LONG()>& body)
+{
+    return Hook() ? Hook()(call, body) : body();
+}
 
 void Unsupported(const char* function, const char* argument)
 {

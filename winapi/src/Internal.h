@@ -5,20 +5,11 @@
 
 namespace winapi::internal {
 
-// The result that the hook asks the function `name` to give, if any.
-std::optional<LONG> Intercepted(const char* name);
+// What the function `call` gives: what `body`, which does its work, comes to, or what the hook makes of it.
+LONG Watched(const FunctionCall& call, const std::function<LONG()>& body);
 
-// Runs the body of a function that gives an HRESULT, or gives the failure that the hook asks for; a success code that
-// it asks for takes the place of the body's own success.
-template <class Body>
-HRESULT Watched(const char* name, Body body)
-{
-    const std::optional<LONG> asked = Intercepted(name);
-    if (asked && FAILED(*asked))
-        return *asked;
-    const HRESULT own = body();
-    return asked && SUCCEEDED(own) ? *asked : own;
-}
+// As StringFromCLSID writes it.
+std::wstring ClassIdText(REFCLSID classId);
 
 // Ends the process: the caller used the function in a way that this stand-in does not know.
 [[noreturn]] void Unsupported(const char* function, const char* argument);

@@ -25,21 +25,26 @@ RegistryStore& RegistryStore::Instance()
 
 LSTATUS RegistryStore::Find(HKEY handle, KeyPtr& key) const
 {
-    for (const auto* handles : {&overrides, &roots, &open})
-        if (const auto found = handles->find(handle); found != handles->end()) {
+    key.reset();
+    for (const auto* handles : {&roots, &overrides})
+        if (const auto found = handles->find(handle); found != handles->end())
             key = found->second;
-            return key->isDeleted ? ERROR_KEY_DELETED : ERROR_SUCCESS;
-        }
-    return ERROR_INVALID_HANDLE;
+    if (const auto found = open.find(handle); found != open.end())
+        key = found->second.key;
+    return key == nullptr ? ERROR_INVALID_HANDLE : key->isDeleted ? ERROR_KEY_DELETED : ERROR_SUCCESS;
 }
 
-HKEY RegistryStore::Open(KeyPtr key, bool toRead)
+std::wstring RegistryStore::PathOf(HKEY handle) const
+{
+    const auto found = open.find(handle);
+    return found == open.end() ? std::wstring() : found->second.path;
+}
+
+HKEY RegistryStore::Open(OpenKey key)
 {
     const auto handle = reinterpret_cast<HKEY>(nextHandle_);
     nextHandle_ += 4;
     open.emplace(handle, std::move(key));
-    if (toRead)
-        readOnly.insert(handle);
     return handle;
 }
 

@@ -6,7 +6,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -29,6 +28,12 @@ struct RegistryKey {
 };
 using KeyPtr = std::shared_ptr<RegistryKey>;
 
+struct OpenKey {
+    KeyPtr key;
+    std::wstring path;  // below the predefined key, as it was opened
+    bool readOnly = false;
+};
+
 // Of the key and everything below it.
 void MarkDeleted(RegistryKey& key);
 
@@ -40,13 +45,15 @@ public:
     std::map<HKEY, KeyPtr> roots{{HKEY_CURRENT_USER, std::make_shared<RegistryKey>()},
                                  {HKEY_LOCAL_MACHINE, std::make_shared<RegistryKey>()}};
     std::map<HKEY, KeyPtr> overrides;
-    std::map<HKEY, KeyPtr> open;
-    std::set<HKEY> readOnly;
+    std::map<HKEY, OpenKey> open;
 
     // Gives the key behind a handle. That of a deleted key serves nothing but to be closed.
     LSTATUS Find(HKEY handle, KeyPtr& key) const;
 
-    HKEY Open(KeyPtr key, bool toRead);
+    // Of a predefined key, and of a handle that is none: empty.
+    [[nodiscard]] std::wstring PathOf(HKEY handle) const;
+
+    HKEY Open(OpenKey key);
 
 private:
     ULONG_PTR nextHandle_ = 0x100;

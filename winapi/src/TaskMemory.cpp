@@ -3,8 +3,10 @@
 
 #include "Internal.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <unordered_set>
@@ -49,14 +51,23 @@ void winapi::internal::CountTaskMemory(Holdings& holdings)
     holdings.taskMemoryBlocks = Memory().blocks.size();
 }
 
+std::wstring winapi::internal::ClassIdText(REFCLSID classId)
+{
+    char text[ClassIdLength + 1];
+    const std::uint8_t* const last = classId.Data4;
+    std::snprintf(text, sizeof(text), ClassIdFormat, classId.Data1, classId.Data2, classId.Data3, last[0], last[1],
+                  last[2], last[3], last[4], last[5], last[6], last[7]);
+    return {text, text + ClassIdLength};
+}
+
 LPVOID STDAPICALLTYPE CoTaskMemAlloc(std::size_t size)
 {
-    void* const block = std::malloc(size == 0 ? 1 : size);
-    if (block != nullptr) {
+    std::unique_ptr<void, decltype(&std::free)> block(std::malloc(size == 0 ? 1 : size), &std::free);
+    if (block) {
         const std::lock_guard lock(Memory().mutex);
-        Memory().blocks.insert(block);
+        Memory().blocks.insert(block.get());
     }
-    return block;
+    return block.release();
 }
 
 void STDAPICALLTYPE CoTaskMemFree(LPVOID memory)
@@ -73,7 +84,7 @@ void STDAPICALLTYPE CoTaskMemFree(LPVOID memory)
 
 HRESULT STDAPICALLTYPE CLSIDFromString(LPCWSTR text, LPCLSID classId)
 {
-    return Watched("CLSIDFromString", [&]() -> HRESULT {
+    return Watched({"CLSIDFromString", {}, text == nullptr ? L"" : text}, [&]() -> HRESULT {
         if (classId == nullptr)
             return E_INVALIDARG;
         *classId = CLSID{};
@@ -105,17 +116,12 @@ HRESULT STDAPICALLTYPE CLSIDFromString(LPCWSTR text, LPCLSID classId)
 HRESULT STDAPICALLTYPE StringFromCLSID(REFCLSID classId, LPWSTR* text)
 {
     *text = nullptr;
-    return Watched("StringFromCLSID", [&]() -> HRESULT {
-        char narrow[ClassIdLength + 1];
-        const std::uint8_t* const last = classId.Data4;
-        std::snprintf(narrow, sizeof(narrow), ClassIdFormat, classId.Data1, classId.Data2, classId.Data3, last[0],
-                      last[1], last[2], last[3], last[4], last[5], last[6], last[7]);
-        auto* const wide = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof(WCHAR) * sizeof(narrow)));
-        if (wide == nullptr)
+    const std::wstring written = winapi::internal::ClassIdText(classId);
+    return Watched({"StringFromCLSID", {}, written}, [&]() -> HRESULT {
+        *text = static_cast<LPWSTR>(CoTaskMemAlloc(sizeof(WCHAR) * (written.size() + 1)));
+        if (*text == nullptr)
             return E_OUTOFMEMORY;
-        for (std::size_t index = 0; index < sizeof(narrow); ++index)
-            wide[index] = static_cast<WCHAR>(narrow[index]);
-        *text = wide;
+        std::copy_n(written.c_str(), written.size() + 1, *text);
         return S_OK;
     });
 }

@@ -18,6 +18,32 @@ int PositionOf(DWORD type)
     return position * BitsPerCondition;
 }
 
+bool IsAtLeast(const OSVERSIONINFOEXW& version, DWORD typeMask, ULONGLONG conditionMask)
+{
+    using winapi::internal::Unsupported;
+    if (version.dwOSVersionInfoSize != sizeof(OSVERSIONINFOEXW))
+        Unsupported("VerifyVersionInfoW", "dwOSVersionInfoSize");
+
+    const winapi::WindowsVersion& reported = Reported();
+    const struct {
+        DWORD type;
+        DWORD reported;
+        DWORD wanted;
+    } comparisons[] = {
+        {VER_MAJORVERSION, reported.major, version.dwMajorVersion},
+        {VER_MINORVERSION, reported.minor, version.dwMinorVersion},
+        {VER_SERVICEPACKMAJOR, reported.servicePackMajor, version.wServicePackMajor},
+    };
+    // A lower field decides only where every higher one is equal.
+    for (const auto& [type, ours, wanted] : comparisons) {
+        if ((typeMask & type) == 0 || ((conditionMask >> PositionOf(type)) & 7) != VER_GREATER_EQUAL)
+            Unsupported("VerifyVersionInfoW", "a mask other than \"at least\" on major, minor and service pack");
+        if (ours != wanted)
+            return ours > wanted;
+    }
+    return true;
+}
+
 }  // namespace
 
 void winapi::SetWindowsVersion(WindowsVersion version) { Reported() = version; }
@@ -31,34 +57,13 @@ ULONGLONG WINAPI VerSetConditionMask(ULONGLONG mask, DWORD type, BYTE condition)
 
 BOOL WINAPI VerifyVersionInfoW(OSVERSIONINFOEXW* version, DWORD typeMask, ULONGLONG conditionMask)
 {
-    using winapi::internal::Unsupported;
-    if (const auto code = winapi::internal::Intercepted("VerifyVersionInfoW")) {
-        SetLastError(static_cast<DWORD>(*code));
-        return FALSE;
-    }
-    if (version->dwOSVersionInfoSize != sizeof(OSVERSIONINFOEXW))
-        Unsupported("VerifyVersionInfoW", "dwOSVersionInfoSize");
-
-    const winapi::WindowsVersion& reported = Reported();
-    const struct {
-        DWORD type;
-        DWORD reported;
-        DWORD wanted;
-    } comparisons[] = {
-        {VER_MAJORVERSION, reported.major, version->dwMajorVersion},
-        {VER_MINORVERSION, reported.minor, version->dwMinorVersion},
-        {VER_SERVICEPACKMAJOR, reported.servicePackMajor, version->wServicePackMajor},
-    };
-    // A lower field decides only where every higher one is equal.
-    for (const auto& [type, ours, wanted] : comparisons) {
-        if ((typeMask & type) == 0 || ((conditionMask >> PositionOf(type)) & 7) != VER_GREATER_EQUAL)
-            Unsupported("VerifyVersionInfoW", "a mask other than \"at least\" on major, minor and service pack");
-        if (ours > wanted)
-            return TRUE;
-        if (ours < wanted) {
-            SetLastError(ERROR_OLD_WIN_VERSION);
-            return FALSE;
-        }
-    }
-    return TRUE;
+    const std::wstring wanted =
+        std::to_wstring(version->dwMajorVersion) + L"." + std::to_wstring(version->dwMinorVersion);
+    const LONG result = winapi::internal::Watched({"VerifyVersionInfoW", {}, wanted}, [&]() -> LONG {
+        return IsAtLeast(*version, typeMask, conditionMask) ? ERROR_SUCCESS : ERROR_OLD_WIN_VERSION;
+    });
+    if (result == ERROR_SUCCESS)
+        return TRUE;
+    SetLastError(static_cast<DWORD>(result));
+    return FALSE;
 }

@@ -1,0 +1,86 @@
+#include "host/commands/Look.h"
+
+#include "BuiltIn.h"
+#include "host/commands/Ending.h"
+#include "host/files/Interrupt.h"
+#include "host/review/ShownText.h"
+#include "rehearsal/TemporaryFolder.h"
+#include "simulation/Platform.h"
+
+#include <fstream>
+#include <iostream>
+
+namespace host {
+
+namespace {
+
+std::array<rehearsal::NamedContents, 3> ExampleFiles()
+{
+    std::array<rehearsal::NamedContents, 3> files;
+    for (std::size_t index = 0; index < files.size(); ++index) {
+        std::string bytes;
+        for (const char* byte = BuiltInFiles[index].text; *byte != '\0'; ++byte)
+            bytes += *byte == '\n' ? std::string("\r\n") : std::string(1, *byte);
+        files[index] = {BuiltInFiles[index].name, std::move(bytes)};
+    }
+    return files;
+}
+
+Look LookAt(const ChosenMachine& machine, const CommonOptions& options)
+{
+    Look look{machine.name, machine.description.value(), {}, {}, {}};
+    look.outcome = NamesFiles(options) ? rehearsal::Rehearse(look.machine, options.files)
+                                       : rehearsal::RehearseContents(look.machine, ExampleFiles());
+    ThrowIfInterrupted();
+    look.findings = ReadFindings(look.outcome);
+    look.endpoints = ReadEndpoints(look.machine, look.outcome, look.findings);
+    return look;
+}
+
+}  // namespace
+
+bool NamesFiles(const CommonOptions& options) { return !options.files.ConfigurationFile.empty(); }
+
+ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(const Look&, const Console&)>& body)
+{
+    return RunCommand(options, "", MachineNeed::Description,
+                      [&](const ChosenMachine& machine, const Console& console, LogFile&) {
+                          try {
+                              return body(LookAt(machine, options), console);
+                          } catch (const simulation::UnusableMachine& unusable) {
+                              return TellWrongUsage(Harmless(machine.name) + ": " + Harmless(unusable.what()));
+                          } catch (const std::exception& failure) {
+                              console.Error(Harmless(failure.what()));
+                              return RunFailed;
+                          }
+                      });
+}
+
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path)
+{
+    const std::string_view use = path.empty() ? "" : UseOf(path, options, "");
+    return use.empty() ? Done : TellWrongUsage("--output: " + Harmless(path) + " " + std::string(use));
+}
+
+ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console)
+{
+    if (path.empty()) {
+        std::cout << text;
+        return Printed(console, Done);
+    }
+    std::ofstream file(path, std::ios::binary);
+    if (file << text << std::flush)
+        return Done;
+    console.Error(Harmless(path) + ": cannot be written: name a file in a folder that you may write to");
+    return FileProblemFound;
+}
+
+ExitCode Printed(const Console& console, ExitCode code)
+{
+    if (console.OutputWritten())
+        return code;
+    console.Error("Standard output could not be written to its end");
+    return code == Done ? RunFailed : code;
+}
+
+}  // namespace host

@@ -1,0 +1,39 @@
+// What the commands that only look have in common: a run of the library on a description, of which nothing is kept.
+#pragma once
+
+#include "host/CommandLine.h"
+#include "host/Console.h"
+#include "host/review/Endpoints.h"
+#include "host/review/Findings.h"
+#include "machine/MachineDescription.h"
+#include "rehearsal/Rehearsal.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct Look {
+    std::string machineName;  // for people
+    machine::MachineDescription machine;
+    rehearsal::Outcome outcome;  // on the example files when none are named
+    Findings findings;
+    std::vector<EndpointView> endpoints;
+};
+
+// Whether the three files are named.
+bool NamesFiles(const CommonOptions& options);
+
+ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(const Look&, const Console&)>& body);
+
+// Tells wrong usage when the result would be written over what the command reads; else Done.
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path);
+
+// Writes a result to the file, or to standard output when the path is empty; tells when it cannot.
+ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console);
+
+// Prints a result; `code` unless that fails.
+ExitCode Printed(const Console& console, ExitCode code);
+
+}  // namespace host

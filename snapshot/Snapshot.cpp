@@ -1,0 +1,176 @@
+#include "snapshot/Snapshot.h"
+
+#include "common/ComPtr.h"
+#include "machine/JsonValues.h"
+#include "snapshot/Answers.h"
+#include "snapshot/EndpointListing.h"
+#include "snapshot/FilterReading.h"
+#include "snapshot/RegistryReading.h"
+#include "snapshot/TopologySurvey.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+
+namespace snapshot {
+
+namespace {
+
+using qov::ComPtr;
+
+class ComMembership {
+public:
+    explicit ComMembership(Answers& answers) : result_(CoInitializeEx(nullptr, COINIT_MULTITHREADED))
+    {
+        answers.Keep({"CoInitializeEx"}, result_);
+    }
+    ComMembership(const ComMembership&) = delete;
+    ComMembership& operator=(const ComMembership&) = delete;
+    ~ComMembership()
+    {
+        if (SUCCEEDED(result_))
+            CoUninitialize();
+    }
+
+private:
+    HRESULT result_;
+};
+
+// 0, or why Windows does not call itself that version or a later one.
+LONG CompareVersion(DWORD major, DWORD minor)
+{
+    OSVERSIONINFOEXW version{};
+    version.dwOSVersionInfoSize = sizeof(version);
+    version.dwMajorVersion = major;
+    version.dwMinorVersion = minor;
+    ULONGLONG mask = 0;
+    for (const DWORD type : {VER_MAJORVERSION, VER_MINORVERSION, VER_SERVICEPACKMAJOR})
+        mask = VerSetConditionMask(mask, type, VER_GREATER_EQUAL);
+    const BOOL reached = VerifyVersionInfoW(&version, VER_MAJORVERSION | VER_MINORVERSION | VER_SERVICEPACKMAJOR, mask);
+    return reached ? ERROR_SUCCESS : static_cast<LONG>(GetLastError());
+}
+
+machine::WindowsVersion ReadVersion(Answers& answers)
+{
+    constexpr WORD MaxNumber = 999;
+    machine::WindowsVersion version;
+    if (CompareVersion(1, 0) == ERROR_SUCCESS) {
+        for (version = {1, 0}; version.major < MaxNumber && CompareVersion(version.major + 1u, 0) == ERROR_SUCCESS;)
+            ++version.major;
+        while (version.minor < MaxNumber && CompareVersion(version.major, version.minor + 1u) == ERROR_SUCCESS)
+            ++version.minor;
+    } else {
+        answers.Note(L"Windows does not tell its version");
+    }
+    // What a run asks for.
+    const bool isNew = version.major > 6 || (version.major == 6 && version.minor >= 3);
+    answers.Keep({"VerifyVersionInfoW", {}, "6.3", isNew ? ERROR_SUCCESS : ERROR_OLD_WIN_VERSION},
+                 CompareVersion(6, 3));
+    return version;
+}
+
+using KeyNames = std::set<std::wstring, machine::RegistryNameOrder>;
+
+// The endpoint keys of both flows, and who has them.
+struct EndpointKeys {
+    KeyNames render;
+    KeyNames capture;
+    std::set<std::wstring> takenGuids{};
+
+    KeyNames& Of(EDataFlow flow) { return flow == eCapture ? capture : render; }
+};
+
+// The GUID by which the registry knows the endpoint, or one of its own, or as the last resort a made-up one.
+void ChooseGuid(machine::Endpoint& endpoint, EndpointKeys& keys)
+{
+    std::vector<GUID> guids = GuidsOf(endpoint);
+    std::stable_partition(guids.begin(), guids.end(), [&](const GUID& guid) {
+        return keys.Of(endpoint.flow).contains(machine::LowerGuidText(guid));
+    });
+    for (ULONG number = 0;; ++number)
+        for (const GUID& guid : number == 0 ? guids : std::vector<GUID>{{0xFFFFFFFF - number, 0, 0, {}}})
+            if (keys.takenGuids.insert(machine::LowerGuidText(guid)).second) {
+                endpoint.guid = guid;
+                return;
+            }
+}
+
+void ReadRegistry(machine::Endpoint& endpoint, EndpointKeys& keys, Answers& answers)
+{
+    ChooseGuid(endpoint, keys);
+    endpoint.properties = ReadValues(endpoint, L"Properties", answers);
+    endpoint.fxProperties = ReadValues(endpoint, L"FxProperties", answers);
+    const bool listed = keys.Of(endpoint.flow).erase(machine::LowerGuidText(endpoint.guid)) != 0;
+    endpoint.registered = listed || endpoint.properties || endpoint.fxProperties;
+}
+
+// Those that belong to no endpoint.
+std::vector<std::wstring> FurtherKeys(const KeyNames& names, Answers& answers)
+{
+    KeyNames clean;
+    for (const std::wstring& name : names)
+        clean.insert(answers.Clean(name));
+    return {clean.begin(), clean.end()};
+}
+
+void ReadTopologies(IMMDeviceEnumerator& enumerator, const std::vector<FoundEndpoint>& found,
+                    machine::MachineDescription& machine, Answers& answers)
+{
+    TopologySurvey survey(answers);
+    FilterReading filters(enumerator, survey, answers);
+    std::set<std::wstring> endpointIds;
+    for (const auto& [endpoint, device] : found) {
+        endpointIds.insert(endpoint.deviceId);
+        ComPtr<IDeviceTopology> topology;
+        if (device &&
+            answers.Put({"IMMDevice::Activate", endpoint.deviceId, "IDeviceTopology"}, topology, [&](auto& given) {
+                return device->Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr, given.PutVoid());
+            }))
+            survey.Add(endpoint.deviceId, topology);
+    }
+    for (const auto& [endpoint, device] : found) {
+        const auto ends = survey.Walk(endpoint.deviceId, endpoint.flow);
+        if (endpoint.state == DEVICE_STATE_ACTIVE)
+            filters.Read(ends, endpoint.flow);
+    }
+    survey.Settle();
+    for (machine::Endpoint& endpoint : machine.endpoints)
+        endpoint.topology = survey.Describe(endpoint.deviceId).value_or(endpoint.topology);
+    for (const std::wstring& id : survey.DeviceIds())
+        if (!endpointIds.contains(id))
+            machine.devices.push_back({id, *survey.Describe(id), filters.Describe(id)});
+}
+
+}  // namespace
+
+machine::MachineDescription TakeSnapshot()
+{
+    Answers answers;
+    machine::MachineDescription machine;
+    machine.windowsVersion = ReadVersion(answers);
+    const auto names = [&](EDataFlow flow) {
+        const auto list = ReadEndpointKeys(flow, answers);
+        return KeyNames(list.begin(), list.end());
+    };
+    EndpointKeys keys{names(eRender), names(eCapture)};
+
+    const ComMembership com(answers);
+    ComPtr<IMMDeviceEnumerator> enumerator;
+    if (answers.Put({"CoCreateInstance"}, enumerator, [](auto& given) {
+            return CoCreateInstance(__uuidof(MMDeviceEnumerator), nullptr, CLSCTX_ALL, __uuidof(IMMDeviceEnumerator),
+                                    given.PutVoid());
+        })) {
+        const std::vector<FoundEndpoint> found = ListEndpoints(*enumerator.Get(), answers);
+        for (const FoundEndpoint& endpoint : found) {
+            machine.endpoints.push_back(endpoint.endpoint);
+            ReadRegistry(machine.endpoints.back(), keys, answers);
+        }
+        ReadTopologies(*enumerator.Get(), found, machine, answers);
+    }
+    machine.furtherRenderKeys = FurtherKeys(keys.render, answers);
+    machine.furtherCaptureKeys = FurtherKeys(keys.capture, answers);
+    answers.MoveInto(machine);
+    return machine;
+}
+
+}  // namespace snapshot

@@ -1,0 +1,136 @@
+"""The commands that only look: list, trace, report, and what apply says of who is at fault."""
+
+import base64
+import html.parser
+import json
+import re
+import subprocess
+
+import pytest
+from conftest import NAMES, PROGRAM, PROJECT
+
+MACHINES = PROJECT / "examples" / "machines"
+SLOT = "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},%d"
+HOSTILE = "<script>alert('1')</script>\" onload=\"x\u202e\x1b[2J & Co"
+
+
+def look(folder, *arguments):
+    """Without naming the three files."""
+    result = subprocess.run([*PROGRAM, *arguments], cwd=folder.path, capture_output=True, timeout=120)
+    return result.returncode, result.stdout.decode(), result.stderr.decode()
+
+
+def example(name):
+    return json.loads((MACHINES / f"{name}.json").read_text(encoding="utf-8"))
+
+
+def write(folder, machine):
+    folder["own.json"] = json.dumps(machine).encode()
+    return "--machine", "own.json"
+
+
+class Page(html.parser.HTMLParser):
+    def __init__(self, text):
+        super().__init__()
+        self.tags, self.attributes, self.text = [], [], ""
+        self.feed(text)
+
+    def handle_starttag(self, tag, attributes):
+        self.tags.append(tag)
+        self.attributes += [(tag, *attribute) for attribute in attributes]
+
+    def handle_data(self, data):
+        self.text += data
+
+    def machine(self):
+        link = next(value for tag, name, value in self.attributes if (tag, name) == ("a", "href"))
+        return base64.b64decode(link.removeprefix("data:application/json;base64,"), validate=True)
+
+
+def test_list_tells_what_each_endpoint_has(folder):
+    code, table, _ = look(folder, "list", "--example-machine")
+    assert code == 0 and "SFX ZAN APO SFX *" in table and "pin 1 MFX SPATIALF *" in table and "not active" in table
+    code, text, _ = look(folder, "list", "--json", "--machine", str(MACHINES / "laptop-denied-endpoint.json"))
+    endpoints = json.loads(text)["endpoints"]
+    assert code == 0 and [endpoint["state"] for endpoint in endpoints] == ["active", "unplugged", "active", "active"]
+    assert endpoints[0]["why"].startswith("passed over: IPart::EnumPartsIncoming of ...\\espeakerwave/00010003 failed with 80070005")
+    assert endpoints[2]["firmware"] == [
+        {"slot": "SFX", "guid": "{59c0f3a4-7d2e-4b68-9e15-d4a8062fb7c3}", "pin": 0, "maker": None}]
+    assert endpoints[2]["why"] is None and endpoints[3]["why"].startswith("pin 0 lists no module; pin 1 does not speak the PP API")
+
+
+def test_trace_tells_every_call_under_its_line(folder):
+    machine = ["--machine", str(MACHINES / "laptop-denied-endpoint.json")]
+    whole = json.loads(look(folder, "trace", "--json", *machine)[1])["steps"]
+    assert whole[0]["text"] == "QovXml: ConfigureQovXmls() starting..."
+    denied = [(step["text"], call) for step in whole for call in step["calls"] if call["result"] == "80070005"]
+    assert len(denied) == 1 and denied[0][0].startswith("Current connector details:")
+    assert denied[0][1]["call"] == "IPart::EnumPartsIncoming" and denied[0][1]["object"].endswith("espeakerwave/00010003")
+    failed = json.loads(look(folder, "trace", "--failed", "--json", *machine)[1])["steps"]
+    assert [call for step in failed for call in step["calls"]] == \
+        [call for step in whole for call in step["calls"] if call["failed"]]
+    lines = look(folder, "trace", "--failed", *machine)[1].splitlines()
+    assert any(line.startswith("!") and "espeakerwave/00010003 FAILED: 80070005" in line for line in lines)
+
+
+@pytest.mark.parametrize("machine, change, code, who, command", [
+    ("laptop-spatialf", lambda m: m["endpoints"][2]["fxProperties"].update({SLOT % 6: {"type": "REG_MULTI_SZ", "text": "x"}}),
+     1, ["Microphone Array (", SLOT % 6, "REG_MULTI_SZ"], "trace"),
+    ("laptop-spatialf", lambda m: m.update(faults=[{"call": "IMMDevice::OpenPropertyStore", "result": "0x80070005"}]),
+     1, ["Speakers (", "IMMDevice::OpenPropertyStore", "80070005"], "trace --failed"),
+    ("laptop-denied-endpoint", lambda m: None,
+     0, ["Speakers (", "IPart::EnumPartsIncoming", "espeakerwave/00010003", "80070005"], "trace --failed")])
+def test_apply_names_who_is_at_fault(folder, machine, change, code, who, command):
+    described = example(machine)
+    change(described)
+    names = write(folder, described)
+    before = folder.contents()
+    told = folder.json("apply", "--dry-run", *names, machine=None)
+    assert told[0] == code and len(told[1]["atFault"]) == 1 and all(text in told[1]["atFault"][0] for text in who)
+    result = folder.run("apply", "--dry-run", *names, machine=None)
+    assert folder.contents() == before
+    assert told[1]["atFault"][0] in result.stderr + result.stdout
+    assert f"qovxml-configure {command} --machine own.json\n" in result.stderr + result.stdout
+
+
+def test_hostile_and_many_endpoints(folder):
+    machine = example("laptop-denied-endpoint")
+    first = machine["endpoints"][0]
+    first["friendlyName"] = HOSTILE
+    machine["endpoints"] += [{**first, "guid": f"{{00000000-0000-4000-8000-{number:012x}}}", "flow": "capture",
+                              "deviceId": f"\"'><b>{number}"} for number in range(300)]
+    names = write(folder, machine)
+    listed = json.loads(look(folder, "list", "--json", *names)[1])["endpoints"]
+    assert len(listed) == 304 and [endpoint["name"] for endpoint in listed].count(HOSTILE) == 301
+    table = look(folder, "list", *names)[1]
+    assert "\x1b" not in table and "\u202e" not in table
+    assert look(folder, "report", "--output", "page.html", *names)[0] == 0
+    page = Page(folder["page.html"].decode())
+    assert page.tags.count("article") == 304 and not {"script", "b onload", "img", "link"} & set(page.tags)
+    assert not [name for _, name, _ in page.attributes if name.startswith("on")]
+    assert "<script>alert('1')</script>\" onload=\"x" in page.text and "\"'><b>299" in page.text
+    assert "\x1b" not in folder["page.html"].decode()
+    folder["own.json"] = page.machine()
+    assert json.loads(look(folder, "list", "--json", *names)[1])["endpoints"] == listed
+
+
+def test_report_is_one_page_that_needs_nothing(folder):
+    before = folder.contents()
+    assert folder.run("report", "--output", "page.html").returncode == 0
+    text = folder["page.html"].decode()
+    page = Page(text)
+    assert {name: folder[name] for name in before} == before
+    assert "Would change 3 files. No warnings." in page.text and {"details", "ol", "pre"} <= set(page.tags)
+    assert re.findall(r"(?:src|href)=\"(?!data:)|url\(|@import|http", text.replace("http-equiv", "")) == []
+    assert ("span", "class", "plus") in page.attributes and "espeakerwave" in page.text
+    for path in (NAMES["settings"], "./" + NAMES["settings"]):
+        assert folder.run("report", "--output", path).returncode == 2
+    assert {name: folder[name] for name in before} == before
+    assert folder.run("report", "--output", "missing/page.html").returncode == 3
+
+
+@pytest.mark.parametrize("call", [["report", "--example-machine"], ["trace", "--settings", "QovSettings.xml", "--example-machine"],
+                                  ["list", "--machine", "missing.json"], ["report", "--output", ""]])
+def test_wrong_usage(folder, call):
+    code, output, reason = look(folder, *call)
+    assert (code, output) == (2, "") and reason

@@ -1,0 +1,42 @@
+// What holds of every run of the library, whatever the machine says and whatever fails on it.
+#pragma once
+
+#include "QovXml.h"
+#include "machine/MachineDescription.h"
+#include "simulation/CallMonitor.h"
+#include "support/Scratch.h"
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+struct Trial {
+    std::string failure;  // what the run threw; empty: it completed
+    std::vector<std::wstring> log;
+    std::vector<simulation::CallRecord> calls;
+    std::array<std::string, 3> files;  // afterwards: configuration, settings, pipelines definition
+    // A line for each promise that the run broke: a message that docs/MESSAGES.md does not know, something of the
+    // platform still held, a file that is neither wholly old nor wholly new, more calls than the bounds allow.
+    std::string broken;
+};
+
+// Runs on the files of tests/scenarios/files/, which every run finds anew.
+class Trials {
+public:
+    Trials();
+
+    using Operation = std::function<void(const QovXml::Config&, ILogger&)>;
+    // The operation ends in QovXml::ConfigureQovXmls; what else it throws than a std::exception passes through.
+    Trial Run(const machine::MachineDescription& machine, const Operation& operation = QovXml::ConfigureQovXmls) const;
+
+private:
+    void CheckFiles(Trial& trial) const;
+
+    ScratchFolder folder_;
+    std::array<std::string, 3> paths_;
+    std::array<std::string, 3> before_;
+};
+
+// Whether docs/MESSAGES.md has a heading for the message.
+bool IsDocumented(const std::string& message);
