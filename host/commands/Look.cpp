@@ -5,7 +5,7 @@
 #include "host/files/Interrupt.h"
 #include "host/review/ShownText.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/SimulatedMachine.h"
+#include "simulation/UnusableMachine.h"
 
 #include <fstream>
 #include <iostream>

@@ -1,5 +1,6 @@
 #include "host/files/FileSession.h"
 
+#include "host/files/Contents.h"
 #include "host/files/Interrupt.h"
 #include "host/files/Leftovers.h"
 #include "host/files/Messages.h"
@@ -239,7 +240,7 @@ Restored FileSession::Restore(const std::string& backupSuffix)
     Restored restored;
     for (const GivenFile& file : parts_->WithBackups(backupSuffix)) {
         const auto read = [](const std::string& path) {
-            return messages::Telling(path, messages::Unreadable, [&] { return platform::Read(path); });
+            return messages::Telling(path, messages::Unreadable, [&] { return Read(path); });
         };
         restored.files.push_back({file.path, read(file.path), read(file.path + backupSuffix)});
     }

@@ -1,5 +1,6 @@
 #include "host/files/Leftovers.h"
 
+#include "host/files/Contents.h"
 #include "host/files/Messages.h"
 #include "host/files/Platform.h"
 
@@ -32,10 +33,10 @@ void PutBackIfThere(const std::string& real, std::vector<std::string>& notices)
         return;
     if (!platform::Trusted(old, real))
         throw FileProblem(Line(old, messages::Untrusted));
-    const std::string bytes = platform::Read(old);
-    if (platform::Read(real) != bytes)
+    const std::string bytes = Read(old);
+    if (!Holds(real, bytes))
         platform::Rewrite(real, bytes);
-    if (platform::Read(real) != bytes)
+    if (!Holds(real, bytes))
         throw FileProblem(Line(real, messages::NotAsWritten));
     platform::Remove(old);
     platform::FlushFolder(real);

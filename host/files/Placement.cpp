@@ -1,5 +1,6 @@
 #include "host/files/Placement.h"
 
+#include "host/files/Contents.h"
 #include "host/files/Leftovers.h"
 #include "host/files/Messages.h"
 
@@ -27,14 +28,14 @@ std::unique_ptr<NewFile> MakeAlike(const std::string& path, const std::string& b
 void Placement::CheckUnchanged() const
 {
     Telling(file_.path, messages::NotPlaced, [&] {
-        if (platform::Look(file_.real).identity != file_.facts.identity || !platform::Holds(file_.real, change_.before))
+        if (platform::Look(file_.real).identity != file_.facts.identity || !Holds(file_.real, change_.before))
             throw FileProblem(Line(file_.path, messages::Changed));
     });
 }
 
 void Placement::CheckHolds(const std::string& bytes) const
 {
-    if (!platform::Holds(file_.real, bytes))
+    if (!Holds(file_.real, bytes))
         throw FileProblem(Line(file_.path, messages::NotAsWritten));
 }
 
@@ -45,7 +46,7 @@ void Placement::MakeBackup(const std::string& suffix)
         const auto unfinished = MakeAlike(UnfinishedBackupName(file_.path), change_.before, file_.real);
         if (!unfinished)
             throw FileProblem(Line(file_.path, messages::BackupNotAlike));
-        if (!platform::Holds(unfinished->Path(), change_.before))
+        if (!Holds(unfinished->Path(), change_.before))
             throw FileProblem(Line(unfinished->Path(), messages::NotAsWritten));
         if (!unfinished->RenameToFree(backup))
             throw FileProblem(Line(backup, messages::BackupExists));
@@ -72,7 +73,7 @@ void Placement::MakeCopy()
     // What cannot be had leaves it readable to its maker alone.
     (void)copy.TakeAttributes();
     copy.Flush();
-    if (!platform::Holds(copy.Path(), change_.before))
+    if (!Holds(copy.Path(), change_.before))
         throw FileProblem(Line(copy.Path(), messages::NotAsWritten));
     if (!copy.RenameToFree(path))
         throw FileProblem(Line(path, messages::NotHealed));

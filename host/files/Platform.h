@@ -3,9 +3,12 @@
 // SystemFailure.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace host::platform {
 
@@ -32,9 +35,8 @@ struct Facts {
 [[nodiscard]] Kind KindOfName(const std::string& path);  // links are not followed
 // The path of the file that links lead to.
 [[nodiscard]] std::string RealPath(const std::string& path);
-[[nodiscard]] std::string Read(const std::string& path);
-// Whether the file's bytes are these.
-[[nodiscard]] bool Holds(const std::string& path, const std::string& bytes);
+// Hands over all bytes of the file in parts of some size, in order, until `take` gives false.
+void ReadParts(const std::string& path, const std::function<bool(std::string_view part)>& take);
 // Throws when a file at a real path cannot be opened for writing; changes nothing.
 void CheckWritable(const std::string& path);
 // Throws when no file can be made beside the one at this path; changes nothing.

@@ -3,6 +3,8 @@
 #include "host/files/Leftovers.h"
 #include "host/files/Messages.h"
 
+#include <string_view>
+
 namespace host {
 
 namespace {
@@ -35,7 +37,7 @@ void AddBackupInTheWay(const GivenFile& file, const std::string& backupSuffix, s
     });
 }
 
-bool HasUtf16Mark(const std::string& bytes) { return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF"); }
+bool IsUtf16Mark(std::string_view bytes) { return bytes == "\xFF\xFE" || bytes == "\xFE\xFF"; }
 
 }  // namespace
 
@@ -76,12 +78,20 @@ void AddGivenTwice(const GivenFiles& files, std::vector<std::string>& problems)
 
 void AddUnusableContent(const GivenFile& file, std::vector<std::string>& problems)
 {
-    std::string bytes;
-    if (AddIfRefused(file.path, messages::Unreadable, problems, [&] { bytes = platform::Read(file.real); }))
+    std::string start;
+    bool holdsNul = false;
+    const bool refused = AddIfRefused(file.path, messages::Unreadable, problems, [&] {
+        platform::ReadParts(file.real, [&](std::string_view part) {
+            start += part.substr(0, 2 - start.size());
+            holdsNul = holdsNul || part.find('\0') != std::string_view::npos;
+            return true;
+        });
+    });
+    if (refused)
         return;
-    if (HasUtf16Mark(bytes))
+    if (IsUtf16Mark(start))
         problems.push_back(Line(file.path, messages::Utf16));
-    else if (bytes.find('\0') != std::string::npos)
+    else if (holdsNul)
         problems.push_back(Line(file.path, messages::NulByte));
 }
 

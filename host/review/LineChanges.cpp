@@ -19,11 +19,11 @@ std::string Join(const Lines& lines, std::size_t start, std::size_t count)
     return text;
 }
 
-// Of as many lines each.
-std::vector<LineChange> ChangesByLine(std::string_view before, std::string_view after)
+// Of as many lines each, the first of which has this number.
+std::vector<LineChange> ChangesByLine(std::string_view before, std::string_view after, std::size_t number)
 {
     std::vector<LineChange> changes;
-    for (std::size_t number = 1; !before.empty(); ++number) {
+    for (; !before.empty(); ++number) {
         const std::string_view old = WithoutEnd(TakeLine(before));
         const std::string_view now = WithoutEnd(TakeLine(after));
         if (old != now)
@@ -36,8 +36,12 @@ std::vector<LineChange> ChangesByLine(std::string_view before, std::string_view 
 
 std::vector<LineChange> LineChanges(const std::string& before, const std::string& after)
 {
-    if (CountLines(before) == CountLines(after))
-        return ChangesByLine(before, after);
+    std::string_view middle = before;
+    std::string_view middleAfter = after;
+    const std::size_t start = TakeSameStart(middle, middleAfter);
+    DropSameEnd(middle, middleAfter);
+    if (CountLines(middle) == CountLines(middleAfter))
+        return ChangesByLine(middle, middleAfter, CountLines(std::string_view(before).substr(0, start)) + 1);
     const Lines old = WithoutEnds(SplitLines(before));
     const Lines now = WithoutEnds(SplitLines(after));
     std::vector<LineChange> changes;

@@ -12,6 +12,12 @@ using Lines = std::vector<std::string_view>;
 // The first line with its line feed, taken from the bytes, which must not be empty.
 std::string_view TakeLine(std::string_view& bytes);
 
+// Takes away the whole lines with which both begin, byte by byte the same; gives how many bytes they are.
+std::size_t TakeSameStart(std::string_view& bytes, std::string_view& other);
+
+// Likewise those with which both end.
+void DropSameEnd(std::string_view& bytes, std::string_view& other);
+
 std::size_t CountLines(std::string_view bytes);
 
 // Each with its line feed, the last maybe without one.

@@ -30,10 +30,12 @@ std::optional<std::string> XmlProblem(const FileOutcome& file)
                 "\"<\" comes from the machine's driver.");
 }
 
-// What a full disk leaves: every whole line that the run writes ends with a line feed.
-bool IsCutShort(std::string_view before, std::string_view after)
+// What a full disk leaves: every whole line that the run writes ends with a line feed. Lines that are all explained are
+// no fewer than before.
+bool IsCutShort(const FileOutcome& file, bool unexplained)
 {
-    return CountLines(after) < CountLines(before) || (!after.empty() && !after.ends_with('\n'));
+    const std::string& after = *file.after;
+    return (!after.empty() && !after.ends_with('\n')) || (unexplained && CountLines(after) < CountLines(*file.before));
 }
 
 // Comment markers where switching a block puts them.
@@ -85,37 +87,50 @@ bool TakeLines(std::string_view& bytes, const std::string& expected)
     return true;
 }
 
-// Whether both begin with the same line; takes it from both.
-bool TakeSameLine(std::string_view& before, std::string_view& after)
+// Takes from both the lines that are the same, line ends aside, with which they begin.
+void TakeSameLines(std::string_view& before, std::string_view& after)
 {
-    std::string_view beforeRest = before;
-    std::string_view afterRest = after;
-    if (after.empty() || WithoutEnd(TakeLine(beforeRest)) != WithoutEnd(TakeLine(afterRest)))
-        return false;
-    before = beforeRest;
-    after = afterRest;
-    return true;
+    while (!before.empty() && !after.empty()) {
+        if (TakeSameStart(before, after) > 0)
+            continue;
+        std::string_view beforeRest = before;
+        std::string_view afterRest = after;
+        if (WithoutEnd(TakeLine(beforeRest)) != WithoutEnd(TakeLine(afterRest)))
+            return;
+        before = beforeRest;
+        after = afterRest;
+    }
+}
+
+// Why the lines are not those that the edits make of the ones before; nothing: they are.
+std::optional<std::string> UnexplainedLine(const FileOutcome& file, const std::vector<ValueSet>& values)
+{
+    std::string_view before = *file.before;
+    std::string_view after = *file.after;
+    for (;;) {
+        TakeSameLines(before, after);
+        if (before.empty())
+            break;
+        const std::size_t place = file.before->size() - before.size();
+        const std::vector<std::string> outcomes = Outcomes(WithoutEnd(TakeLine(before)), values);
+        if (std::none_of(outcomes.begin(), outcomes.end(),
+                         [&](const std::string& outcome) { return TakeLines(after, outcome); }))
+            return "line " + std::to_string(CountLines(std::string_view(*file.before).substr(0, place)) + 1) +
+                   " would change in a way that no edit explains";
+    }
+    if (!after.empty())
+        return "it would have more lines than before";
+    return std::nullopt;
 }
 
 std::optional<std::string> LineProblem(const FileOutcome& file, const std::vector<ValueSet>& values)
 {
-    constexpr std::string_view Report = "Nothing was changed. Report this, with the log and the three files.";
-    std::string_view before = *file.before;
-    std::string_view after = *file.after;
-    if (IsCutShort(before, after))
-        return Told(file.path, "its copy was cut short at line " + std::to_string(CountLines(after)),
+    const auto problem = UnexplainedLine(file, values);
+    if (IsCutShort(file, problem.has_value()))
+        return Told(file.path, "its copy was cut short at line " + std::to_string(CountLines(*file.after)),
                     "Make room on the disk that holds the folder for temporary files.");
-    for (std::size_t number = 1; !before.empty(); ++number) {
-        if (TakeSameLine(before, after))
-            continue;
-        const std::vector<std::string> outcomes = Outcomes(WithoutEnd(TakeLine(before)), values);
-        if (std::none_of(outcomes.begin(), outcomes.end(),
-                         [&](const std::string& outcome) { return TakeLines(after, outcome); }))
-            return Told(file.path, "line " + std::to_string(number) + " would change in a way that no edit explains",
-                        Report);
-    }
-    if (!after.empty())
-        return Told(file.path, "it would have more lines than before", Report);
+    if (problem)
+        return Told(file.path, *problem, "Nothing was changed. Report this, with the log and the three files.");
     return std::nullopt;
 }
 

@@ -6,10 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
 #include <vector>
 
 namespace host::platform {
@@ -17,22 +15,6 @@ namespace host::platform {
 namespace {
 
 Kind KindOf(mode_t mode) { return S_ISREG(mode) ? Kind::Regular : S_ISLNK(mode) ? Kind::Link : Kind::Other; }
-
-// Gives fewer bytes than asked for only at the end of the file.
-std::size_t ReadUpTo(int descriptor, char* bytes, std::size_t size)
-{
-    std::size_t done = 0;
-    while (done < size) {
-        const ssize_t count = ::read(descriptor, bytes + done, size - done);
-        if (count < 0 && errno == EINTR)
-            continue;
-        Check(count >= 0);
-        if (count == 0)
-            break;
-        done += static_cast<std::size_t>(count);
-    }
-    return done;
-}
 
 std::string FolderOf(const std::string& path)
 {
@@ -67,36 +49,18 @@ std::string RealPath(const std::string& path)
     return real.get();
 }
 
-std::string Read(const std::string& path)
-{
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    Check(bool(file));
-    struct stat facts {};
-    Check(::fstat(file.Get(), &facts) == 0);
-    std::string bytes;
-    std::size_t size = 0;
-    do {
-        // One more than it should hold, to meet its end.
-        bytes.resize(std::max<std::size_t>(2 * size, static_cast<std::size_t>(facts.st_size) + 1));
-        size += ReadUpTo(file.Get(), bytes.data() + size, bytes.size() - size);
-    } while (size == bytes.size());
-    bytes.resize(size);
-    return bytes;
-}
-
-bool Holds(const std::string& path, const std::string& bytes)
+void ReadParts(const std::string& path, const std::function<bool(std::string_view part)>& take)
 {
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     Check(bool(file));
     std::vector<char> part(std::size_t{1} << 18);
-    std::string_view rest = bytes;
     for (;;) {
-        const std::size_t count = ReadUpTo(file.Get(), part.data(), part.size());
-        if (!rest.starts_with(std::string_view(part.data(), count)))
-            return false;
-        rest.remove_prefix(count);
-        if (count < part.size())
-            return rest.empty();
+        const ssize_t count = ::read(file.Get(), part.data(), part.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        Check(count >= 0);
+        if (count == 0 || !take({part.data(), static_cast<std::size_t>(count)}))
+            return;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "host/files/windows/Handle.h"
 
-#include <string_view>
 #include <vector>
 
 namespace host::platform {
@@ -15,22 +14,6 @@ std::wstring FolderOf(const std::wstring& path)
 {
     const std::size_t end = path.find_last_of(L"\\/:");
     return end == std::wstring::npos ? L"." : path.substr(0, end + 1);
-}
-
-// False when `take`, which is given the bytes in parts, gives it.
-template <class Take>
-bool ForEachPart(const std::string& path, Take take)
-{
-    const Handle file = Open(path, GENERIC_READ);
-    std::vector<char> part(std::size_t{1} << 18);
-    for (;;) {
-        DWORD count = 0;
-        Check(ReadFile(file.Get(), part.data(), static_cast<DWORD>(part.size()), &count, nullptr));
-        if (count == 0)
-            return true;
-        if (!take(std::string_view(part.data(), count)))
-            return false;
-    }
 }
 
 }  // namespace
@@ -78,26 +61,16 @@ std::string RealPath(const std::string& path)
     return Narrow(real);
 }
 
-std::string Read(const std::string& path)
+void ReadParts(const std::string& path, const std::function<bool(std::string_view part)>& take)
 {
-    std::string bytes;
-    (void)ForEachPart(path, [&bytes](std::string_view part) {
-        bytes.append(part);
-        return true;
-    });
-    return bytes;
-}
-
-bool Holds(const std::string& path, const std::string& bytes)
-{
-    std::string_view rest = bytes;
-    const bool same = ForEachPart(path, [&rest](std::string_view part) {
-        if (!rest.starts_with(part))
-            return false;
-        rest.remove_prefix(part.size());
-        return true;
-    });
-    return same && rest.empty();
+    const Handle file = Open(path, GENERIC_READ);
+    std::vector<char> part(std::size_t{1} << 18);
+    for (;;) {
+        DWORD count = 0;
+        Check(ReadFile(file.Get(), part.data(), static_cast<DWORD>(part.size()), &count, nullptr));
+        if (count == 0 || !take({part.data(), count}))
+            return;
+    }
 }
 
 void CheckWritable(const std::string& path) { (void)Open(path, GENERIC_WRITE); }
