@@ -30,6 +30,10 @@ constexpr GUID SpatialfModule{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x9
 constexpr DWORD Types[] = {REG_SZ, REG_BINARY, REG_DWORD, REG_EXPAND_SZ, REG_MULTI_SZ, REG_NONE, 11, 99};
 constexpr LONG Results[] = {E_FAIL, S_FALSE, E_NOINTERFACE, ERROR_ACCESS_DENIED, 0x7FFFFFFF, LONG{E_OUTOFMEMORY}};
 
+constexpr const char* Objects[] = {"endpoint-0",        "endpoint-1",          "driver-0",
+                                   "driver-1",          "endpoint-0/00000000", "endpoint-0/00000001",
+                                   "driver-0/00000000", "driver-0/00000001",   "driver-0/00000002"};
+
 class Choices {
 public:
     Choices(const std::uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
@@ -216,8 +220,10 @@ private:
     Fault MakeFault()
     {
         const PlatformCall& call = Of(PlatformCalls());
-        Fault fault{std::string(call.name), {}, Of(Results), {}};
-        if (Choice(4) != 3)
+        Fault fault{std::string(call.name), {}, Of(Results)};
+        if (Choice(3) == 2)
+            fault.object = Of(Objects);
+        else if (Choice(4) != 3)
             fault.occurrence = 1 + static_cast<unsigned>(Choice(40));
         if (!call.CanGive(fault.result))
             fault.result = call.result == ResultKind::HResult ? LONG{E_FAIL} : LONG{ERROR_ACCESS_DENIED};

@@ -4,12 +4,23 @@
 #include "xmledit/Blocks.h"
 #include "xmledit/QuotedValues.h"
 
-#include <sstream>
+#include <algorithm>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 
+using Lines = std::vector<std::string>;
 using qov::LineFile;
+
+Lines LinesOf(const LineFile& file)
+{
+    Lines lines;
+    for (std::size_t line = 0; line < file.End(); line = file.Next(line))
+        lines.emplace_back(file[line]);
+    return lines;
+}
 
 // What it throws; empty: it completed.
 template <class Edit>
@@ -24,7 +35,7 @@ std::string Try(Edit edit)
 }
 
 // Whole blocks were commented out, one after the other, and nothing else was done: a block that fails is left alone.
-void RequireBlocksCommentedOut(const LineFile& before, const LineFile& after)
+void RequireBlocksCommentedOut(const Lines& before, const Lines& after)
 {
     bool inside = false;
     Require(before.size() == after.size(), "the number of lines is kept");
@@ -40,28 +51,28 @@ void RequireBlocksCommentedOut(const LineFile& before, const LineFile& after)
 }
 
 template <class Edit, class Reverse>
-void ToggleBlocks(const LineFile& lines, const std::string& name, bool disable, Edit edit, Reverse reverse)
+void ToggleBlocks(LineFile file, const std::string& name, bool disable, Edit edit, Reverse reverse)
 {
-    LineFile edited = lines;
-    const std::string failure = Try([&] { edit(edited, name); });
-    disable ? RequireBlocksCommentedOut(lines, edited) : RequireBlocksCommentedOut(edited, lines);
+    const Lines before = LinesOf(file);
+    const std::string failure = Try([&] { edit(file, name); });
+    const Lines after = LinesOf(file);
+    disable ? RequireBlocksCommentedOut(before, after) : RequireBlocksCommentedOut(after, before);
 
-    LineFile twice = edited;
-    (void)Try([&] { edit(twice, name); });
-    Require(twice == edited, "a second run changes nothing");
+    (void)Try([&] { edit(file, name); });
+    Require(LinesOf(file) == after, "a second run changes nothing");
 
     bool commented = false;
-    for (const std::string& line : lines)
+    for (const std::string& line : before)
         commented = commented || line.find("<!--") != std::string::npos;
     // A block that is off already ends the edit; the way back would switch it on.
     if (!disable || commented)
         return;
-    Require(Try([&] { reverse(edited, name); }).empty() || !failure.empty(), "what was disabled can be enabled");
-    Require(edited == lines, "disabling and enabling gives back the bytes");
+    Require(Try([&] { reverse(file, name); }).empty() || !failure.empty(), "what was disabled can be enabled");
+    Require(LinesOf(file) == before, "disabling and enabling gives back the bytes");
 }
 
 // The value of a tag is set on one line, up to the double quote behind it.
-void RequireValueSet(const LineFile& before, const LineFile& after, const std::string& tag, const std::string& value)
+void RequireValueSet(const Lines& before, const Lines& after, const std::string& tag, const std::string& value)
 {
     unsigned changed = 0;
     Require(before.size() == after.size(), "the number of lines is kept");
@@ -79,16 +90,16 @@ void RequireValueSet(const LineFile& before, const LineFile& after, const std::s
     Require(changed <= 1, "one value is set");
 }
 
-void SetValue(const LineFile& lines, const std::string& keyword, const std::string& tag, const std::string& value)
+void SetValue(LineFile file, const std::string& keyword, const std::string& tag, const std::string& value)
 {
-    LineFile edited = lines;
-    const std::string failure = Try([&] { qov::SetQuotedValue(edited, keyword, tag, value); });
-    Require(failure.empty() || edited == lines, "a failure changes nothing");
-    RequireValueSet(lines, edited, tag, value);
+    const Lines before = LinesOf(file);
+    const std::string failure = Try([&] { qov::SetQuotedValue(file, keyword, tag, value); });
+    const Lines after = LinesOf(file);
+    Require(failure.empty() || after == before, "a failure changes nothing");
+    RequireValueSet(before, after, tag, value);
     if (!failure.empty() || value.find('"') != std::string::npos)
         return;
-    LineFile twice = edited;
-    Require(Try([&] { qov::SetQuotedValue(twice, keyword, tag, value); }).empty() && twice == edited,
+    Require(Try([&] { qov::SetQuotedValue(file, keyword, tag, value); }).empty() && LinesOf(file) == after,
             "a second run changes nothing");
 }
 
@@ -96,15 +107,12 @@ void SetValue(const LineFile& lines, const std::string& keyword, const std::stri
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::istringstream input(std::string(reinterpret_cast<const char*>(data), size));
-    std::string first;
-    LineFile lines;
-    std::getline(input, first);
-    for (std::string line; std::getline(input, line);)
-        lines.push_back(line);
-    const std::string given = first.empty() ? "" : first.substr(1);
+    const std::string input(reinterpret_cast<const char*>(data), size);
+    const std::size_t end = std::min(input.find('\n'), size);
+    const LineFile lines(input.substr(std::min(end + 1, size)));
+    const std::string given = input.substr(std::min<std::size_t>(1, end), end - std::min<std::size_t>(1, end));
 
-    switch (first.empty() ? '\0' : first[0]) {
+    switch (end == 0 ? '\0' : input[0]) {
         case 'p':
             ToggleBlocks(lines, given, true, qov::DisableParameterBlock, qov::EnableParameterBlock);
             break;

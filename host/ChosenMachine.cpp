@@ -3,6 +3,7 @@
 #include "BuiltIn.h"
 #include "host/ThisMachine.h"
 #include "machine/MachineJson.h"
+#include "snapshot/Snapshot.h"
 
 #include <stdexcept>
 
@@ -18,6 +19,8 @@ ChosenMachine ChooseMachine(const CommonOptions& options, MachineNeed need)
     if (need != MachineNeed::None && !HasWindowsAudio())
         throw std::runtime_error(
             "There is no Windows here: name a machine to simulate with --machine FILE or --example-machine");
+    if (need == MachineNeed::Description)
+        return {snapshot::TakeSnapshot(), "a snapshot of this one", true};
     return {std::nullopt, "this machine"};
 }
 

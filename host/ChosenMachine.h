@@ -12,6 +12,7 @@ namespace host {
 struct ChosenMachine {
     std::optional<machine::MachineDescription> description;  // none: the one that the program runs on
     std::string name;                                        // for people
+    bool isSnapshot = false;                                 // the description is one of that machine, just taken
 };
 
 enum class MachineNeed {

@@ -158,6 +158,13 @@ void AddLooks(CLI::App& app, Commands& commands)
         app, "report", "Write one page (HTML) that tells a run, with the machine's description inside.", LookFooter);
     AddLookOptions(report, commands.report);
     AddNamedFile(report, "--output", commands.report.output, "the page")->required();
+
+    CLI::App& snapshot = AddCommand(app, "snapshot", "Write the machine as a file that --machine takes, anywhere.",
+                                    "Two snapshots of an unchanged machine are the same. No selector is switched.");
+    AddMachine(snapshot, commands.snapshot);
+    AddColours(snapshot, commands.snapshot);
+    AddNamedFile(snapshot, "--output", commands.snapshot.output, "the file (standard output)");
+    snapshot.add_flag("--redact", commands.snapshot.redact, "\"Endpoint 1\" and so on instead of the endpoints' names");
 }
 
 // What cannot be said to the parser; empty: nothing is wrong.

@@ -84,9 +84,11 @@ std::pair<UINT, UINT> ReadSignalPath(const JsonPlace& place, Neighbours& neighbo
     const std::vector<JsonPlace> ends = place.Elements();
     if (ends.size() != 2)
         place.Refuse("must be two ids of parts of this topology: from and to");
-    for (const JsonPlace& end : ends)
-        neighbours.emplace_back(end, ReadLocalId(end));
-    return {neighbours.end()[-2].second, neighbours.back().second};
+    const UINT from = ReadLocalId(ends[0]);
+    neighbours.emplace_back(ends[0], from);
+    const UINT to = ReadLocalId(ends[1]);
+    neighbours.emplace_back(ends[1], to);
+    return {from, to};
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "host/commands/Commands.h"
 #include "host/commands/Ending.h"
+#include "host/commands/Look.h"
 #include "host/files/FileSession.h"
 #include "host/files/Interrupt.h"
 #include "host/files/Messages.h"
@@ -12,6 +13,7 @@
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
 #include "simulation/SimulatedMachine.h"
+#include "snapshot/Snapshot.h"
 
 #include <algorithm>
 #include <utility>
@@ -75,7 +77,9 @@ public:
         } catch (const FileProblem& problem) {
             return ending_.Failed(FileProblemFound, problem.what());
         } catch (const simulation::UnusableMachine& unusable) {
-            return TellWrongUsage(Harmless(machine_.name) + ": " + Harmless(unusable.what()));
+            if (!machine_.isSnapshot)
+                return TellUnusable(machine_, unusable, console_);
+            return ending_.Failed(RunFailed, UnusableSnapshot(unusable));
         } catch (const rehearsal::NoCopies& failure) {
             return ending_.Failed(RunFailed, Harmless(failure.what()) +
                                                  ". What to do: Make room in the folder for temporary files, or name "
@@ -118,7 +122,8 @@ private:
         if (options_.diff)
             ending_.report.diff = Diff(outcome);
         ending_.AddWarnings(Warnings(outcome, findings));
-        ending_.AddWarnings(UnusedFaults(outcome));
+        if (!machine_.isSnapshot)
+            ending_.AddWarnings(UnusedFaults(outcome));
         TakeCulprits(outcome, findings);
         if (options_.dryRun)
             ending_.AddWarnings(session.Hindrances(options_.backupSuffix, changed));
@@ -143,12 +148,31 @@ private:
         return ending_.With(Done, Summary(ending_.report, findings));
     }
 
-    // Only a described machine tells its calls.
+    // Only a described machine tells its calls: where none is, the run is made again on a snapshot.
     void TakeCulprits(const rehearsal::Outcome& outcome, const Findings& findings)
     {
-        if (!machine_.description)
-            return;
-        Culprits culprits = FindCulprits(*machine_.description, outcome, findings);
+        if (machine_.description)
+            TakeCulprits(*machine_.description, outcome, findings);
+        else if (outcome.failure || !ending_.report.warnings.empty())
+            TakeCulpritsOfThisMachine(outcome);
+    }
+
+    void TakeCulpritsOfThisMachine(const rehearsal::Outcome& outcome)
+    {
+        try {
+            const machine::MachineDescription machine = snapshot::TakeSnapshot();
+            const rehearsal::Outcome again = rehearsal::Rehearse(machine, options_.files);
+            if (again.failure == outcome.failure)
+                TakeCulprits(machine, again, ReadFindings(again));
+        } catch (const std::exception&) {
+            // The run's own message stands without them.
+        }
+    }
+
+    void TakeCulprits(const machine::MachineDescription& machine, const rehearsal::Outcome& outcome,
+                      const Findings& findings)
+    {
+        Culprits culprits = FindCulprits(machine, outcome, findings);
         ending_.report.atFault = std::move(culprits.lines);
         ending_.report.moreBy = "qovxml-configure " + culprits.command;
         if (options_.exampleMachine)
@@ -174,7 +198,8 @@ private:
 
 ExitCode RunApply(const ApplyOptions& options)
 {
-    return RunCommand(options, options.backupSuffix.value_or(""), MachineNeed::Own,
+    return RunCommand(options, options.backupSuffix.value_or(""),
+                      options.dryRun ? MachineNeed::Description : MachineNeed::Own,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile& logFile) {
                           return Application(options, machine, console, logFile).Run();
                       });

@@ -5,7 +5,7 @@
 #include "host/files/Interrupt.h"
 #include "host/review/ShownText.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/Platform.h"
+#include "simulation/UnusableMachine.h"
 
 #include <fstream>
 #include <iostream>
@@ -39,6 +39,22 @@ Look LookAt(const ChosenMachine& machine, const CommonOptions& options)
 
 }  // namespace
 
+ExitCode TellUnusable(const ChosenMachine& machine, const simulation::UnusableMachine& unusable, const Console& console)
+{
+    if (!machine.isSnapshot)
+        return TellWrongUsage(Harmless(machine.name) + ": " + Harmless(unusable.what()));
+    console.Error(UnusableSnapshot(unusable));
+    return RunFailed;
+}
+
+std::string UnusableSnapshot(const simulation::UnusableMachine& unusable)
+{
+    return Harmless(unusable.what()) +
+           ", and such a call fails on this machine. What to do: Take it along with qovxml-configure snapshot, and "
+           "look at "
+           "it with --machine off Windows.";
+}
+
 bool NamesFiles(const CommonOptions& options) { return !options.files.ConfigurationFile.empty(); }
 
 ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(const Look&, const Console&)>& body)
@@ -48,7 +64,7 @@ ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(cons
                           try {
                               return body(LookAt(machine, options), console);
                           } catch (const simulation::UnusableMachine& unusable) {
-                              return TellWrongUsage(Harmless(machine.name) + ": " + Harmless(unusable.what()));
+                              return TellUnusable(machine, unusable, console);
                           } catch (const std::exception& failure) {
                               console.Error(Harmless(failure.what()));
                               return RunFailed;

@@ -1,12 +1,14 @@
 // What the commands that only look have in common: a run of the library on a description, of which nothing is kept.
 #pragma once
 
+#include "host/ChosenMachine.h"
 #include "host/CommandLine.h"
 #include "host/Console.h"
 #include "host/review/Endpoints.h"
 #include "host/review/Findings.h"
 #include "machine/MachineDescription.h"
 #include "rehearsal/Rehearsal.h"
+#include "simulation/Platform.h"
 
 #include <functional>
 #include <string>
@@ -21,6 +23,11 @@ struct Look {
     Findings findings;
     std::vector<EndpointView> endpoints;
 };
+
+// A machine that cannot be simulated is wrong usage, but not one of which a snapshot was taken.
+ExitCode TellUnusable(const ChosenMachine& machine, const simulation::UnusableMachine& unusable,
+                      const Console& console);
+std::string UnusableSnapshot(const simulation::UnusableMachine& unusable);
 
 // Whether the three files are named.
 bool NamesFiles(const CommonOptions& options);

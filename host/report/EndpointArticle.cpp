@@ -98,7 +98,9 @@ std::string EndpointArticle(const EndpointView& endpoint)
     else
         content += Element("p", "No firmware modules: " + Text(endpoint.why));
     const std::string effects = Modules("Effects", endpoint.effects) + Modules("Wrapped effects", endpoint.wrapped);
-    content += effects.empty() ? Element("p class=\"soft\"", "No effects.") : Element("dl", effects);
+    content += effects.empty()
+                   ? Element("p class=\"soft\"", endpoint.effectsKnown ? "No effects." : "Its effects were not read.")
+                   : Element("dl", effects);
     return Element("article", "\n" + content + "\n") + "\n";
 }
 

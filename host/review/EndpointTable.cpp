@@ -37,7 +37,7 @@ Cells CellsOf(const EndpointView& view)
         cells.back().push_back(view.why);
     for (Cell& cell : cells)
         if (cell.empty())
-            cell.emplace_back("-");
+            cell.emplace_back(view.effectsKnown ? "-" : "?");
     return cells;
 }
 
@@ -105,8 +105,8 @@ nlohmann::ordered_json EndpointsJson(const std::vector<EndpointView>& endpoints)
                         {"name", view.name},
                         {"guid", view.guid},
                         {"deviceId", view.deviceId},
-                        {"effects", ModulesJson(view.effects)},
-                        {"wrapped", ModulesJson(view.wrapped)},
+                        {"effects", view.effectsKnown ? ModulesJson(view.effects) : Json(nullptr)},
+                        {"wrapped", view.effectsKnown ? ModulesJson(view.wrapped) : Json(nullptr)},
                         {"firmware", ModulesJson(view.firmware)},
                         {"why", view.why.empty() ? Json(nullptr) : Json(view.why)}});
     return list;

@@ -76,6 +76,7 @@ EndpointView Read(const machine::Endpoint& endpoint, const std::vector<Walk>& wa
     view.name = machine::Utf16ToUtf8(endpoint.friendlyName);
     view.guid = machine::Utf16ToUtf8(machine::LowerGuidText(endpoint.guid));
     view.deviceId = machine::Utf16ToUtf8(endpoint.deviceId);
+    view.effectsKnown = findings.modulesTold && endpoint.state == DEVICE_STATE_ACTIVE;
     view.effects = Select(findings, view.guid, "APO", "Not wrapped");
     view.wrapped = Select(findings, view.guid, "APO", "Wrapped");
     const auto walk = std::find_if(walks.begin(), walks.end(),

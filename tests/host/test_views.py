@@ -1,4 +1,4 @@
-"""The commands that only look: list, trace, report, and what apply says of who is at fault."""
+"""The commands that only look: list, trace, report, snapshot, and what apply says of who is at fault."""
 
 import base64
 import html.parser
@@ -114,6 +114,19 @@ def test_hostile_and_many_endpoints(folder):
     assert json.loads(look(folder, "list", "--json", *names)[1])["endpoints"] == listed
 
 
+def test_snapshot_is_the_machine(folder):
+    name = "Speakers (High Definition Audio Device)"
+    for redacted in ([], ["--redact"]):
+        code, text, _ = look(folder, "snapshot", *redacted, "--machine", str(MACHINES / "laptop-denied-endpoint.json"))
+        folder["own.json"] = text.encode()
+        assert code == 0 and look(folder, "snapshot", "--output", "again.json", "--machine", "own.json")[0] == 0
+        assert folder["again.json"].decode() == text
+        listed = json.loads(look(folder, "list", "--json", "--machine", "again.json")[1])["endpoints"]
+        assert [endpoint["name"] for endpoint in listed][0] == ("Endpoint 1" if redacted else name)
+        assert (name in text) == (not redacted) and "80070005" in listed[0]["why"]
+    assert look(folder, "snapshot", "--machine", "own.json", "--output", "./own.json")[0] == 2
+
+
 def test_report_is_one_page_that_needs_nothing(folder):
     before = folder.contents()
     assert folder.run("report", "--output", "page.html").returncode == 0
@@ -127,6 +140,20 @@ def test_report_is_one_page_that_needs_nothing(folder):
         assert folder.run("report", "--output", path).returncode == 2
     assert {name: folder[name] for name in before} == before
     assert folder.run("report", "--output", "missing/page.html").returncode == 3
+
+
+def test_the_page_on_misbehaving_machines_is_true(folder):
+    folder["laptop-denied-endpoint.json"] = (MACHINES / "laptop-denied-endpoint.json").read_bytes()
+    page = (PROJECT / "docs" / "MISBEHAVING.md").read_text(encoding="utf-8").replace("\\\n", "")
+    sessions = re.findall(r"^\$ qovxml-configure (.*)\n((?:(?!\$|```).*\n)*)", page, re.MULTILINE)
+    assert len(sessions) == 6
+    for command, expected in sessions:
+        code, output, account = look(folder, *command.split())
+        assert code == 0, account
+        lines = iter(output.splitlines())
+        told = expected.splitlines()
+        assert all(line == "..." or line in lines for line in told), command
+        assert "..." in told or told == output.splitlines()[:len(told)]
 
 
 @pytest.mark.parametrize("call", [["report", "--example-machine"], ["trace", "--settings", "QovSettings.xml", "--example-machine"],
