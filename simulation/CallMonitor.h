@@ -4,9 +4,12 @@
 #include "machine/MachineDescription.h"
 #include "machine/PlatformCalls.h"
 
+#include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace simulation {
@@ -20,7 +23,10 @@ struct CallRecord {
 
 class CallMonitor {
 public:
-    explicit CallMonitor(const std::vector<machine::Fault>& faults) : faults_(faults.begin(), faults.end()) {}
+    explicit CallMonitor(std::vector<machine::Fault> faults);
+
+    CallMonitor(const CallMonitor&) = delete;
+    CallMonitor& operator=(const CallMonitor&) = delete;
 
     // Runs a Windows function or a method of a simulated object, or gives the failure that it must give. A fault whose
     // result is a success code takes the place of the body's own success.
@@ -46,17 +52,19 @@ public:
     [[nodiscard]] std::vector<machine::Fault> FaultsThatNeverFired() const;
 
 private:
-    struct WatchedFault {
-        explicit WatchedFault(machine::Fault watched) : fault(std::move(watched)) {}
-
-        machine::Fault fault;
-        unsigned calls = 0;  // that it speaks of, so far
-        bool fired = false;
+    // What faults speak of the same calls, by their numbers; of several that fit, the first fires.
+    struct WatchedCalls {
+        unsigned calls = 0;  // so far
+        std::optional<std::size_t> every;
+        std::map<unsigned, std::size_t> occurrences;
     };
+    using Kind = std::tuple<std::string_view, std::string_view, std::string_view>;  // call, object, arguments
 
     std::optional<LONG> FaultOf(const CallRecord& record);
 
-    std::vector<WatchedFault> faults_;
+    std::vector<machine::Fault> faults_;
+    std::vector<bool> fired_;
+    std::map<Kind, WatchedCalls> watched_;  // an empty object or empty arguments: any
     std::vector<CallRecord> calls_;
 };
 
