@@ -135,8 +135,8 @@ void Register(const ScenarioCase& scenario)
     return true;
 }();
 
-// Every call of a run fails, for each object and arguments that it is made with. What turns texts into GUIDs and back is
-// no question to the machine.
+// Every call of a run fails, for each object and arguments that it is made with. What turns texts into GUIDs and back
+// is no question to the machine.
 void SweepFaults(bool ofFunctions)
 {
     const MachineDescription whole = Example("laptop-spatialf");

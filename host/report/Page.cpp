@@ -49,7 +49,8 @@ std::string AtFault(const machine::MachineDescription& machine, const rehearsal:
                     const Findings& findings)
 {
     std::string list;
-    for (const std::string& line : FindCulprits(machine, outcome, findings).lines)
+    const auto culprits = FindCulprits(machine, outcome, findings);
+    for (const std::string& line : culprits.lines)
         list += Element("p class=\"outcome bad\"", "At fault: " + Text(line)) + "\n";
     return list;
 }
