@@ -8,7 +8,7 @@
 #include "host/review/Findings.h"
 #include "machine/MachineDescription.h"
 #include "rehearsal/Rehearsal.h"
-#include "simulation/Platform.h"
+#include "simulation/UnusableMachine.h"
 
 #include <functional>
 #include <string>
