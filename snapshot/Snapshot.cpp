@@ -153,10 +153,11 @@ void ReadTopologies(IMMDeviceEnumerator& enumerator, const std::vector<FoundEndp
     for (const auto& [endpoint, device] : found) {
         endpointIds.insert(endpoint.deviceId);
         ComPtr<IDeviceTopology> topology;
-        if (device &&
-            answers.Put({"IMMDevice::Activate", endpoint.deviceId, "IDeviceTopology"}, topology, [&](auto& given) {
-                return device->Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr, given.PutVoid());
-            }))
+        if (device && answers.Put({"IMMDevice::Activate", endpoint.deviceId, "IDeviceTopology"}, topology,
+                                  [&device = device](auto& given) {
+                                      return device->Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr,
+                                                              given.PutVoid());
+                                  }))
             survey.Add(endpoint.deviceId, topology);
     }
     for (const auto& [endpoint, device] : found) {

@@ -331,9 +331,10 @@ std::vector<UINT> TopologySurvey::PathsFrom(const PartAddress& from)
             continue;
         ComPtr<IPartsList> path;
         const std::string ends = machine::LocalIdText(from.localId) + ", " + machine::LocalIdText(localId) + ", 1";
-        if (!answers_.Put({"IDeviceTopology::GetSignalPath", from.deviceId, ends, E_NOTFOUND}, path, [&](auto& given) {
-                return device.topology->GetSignalPath(start.Get(), to.part.Get(), TRUE, given.Put());
-            }))
+        if (!answers_.Put({"IDeviceTopology::GetSignalPath", from.deviceId, ends, E_NOTFOUND}, path,
+                          [&, &to = to](auto& given) {
+                              return device.topology->GetSignalPath(start.Get(), to.part.Get(), TRUE, given.Put());
+                          }))
             continue;
         device.signalPaths.insert({from.localId, localId});
         reached.push_back(localId);
