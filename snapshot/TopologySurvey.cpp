@@ -158,7 +158,9 @@ void TopologySurvey::DescribeConnector(const OpenConnector& open)
                       L"\"");
     if (reached)
         Follow(known, other);
-    if (!known.description.connectedTo)
+    if (!known.description.connectedTo && deviceNamed)
+        known.description.connectedTo = {answers_.Clean(otherDevice), MadeUpId(devices_[answers_.Clean(otherDevice)])};
+    else if (!known.description.connectedTo)
         known.description.connectedTo = {L"unknown device " + std::to_wstring(++unknownDevices_), 0};
 }
 
@@ -435,9 +437,10 @@ std::optional<machine::TopologyDescription> TopologySurvey::Describe(const std::
     for (const Slot& slot : device.slots)
         if (listed.insert(*slot.localId).second)
             topology.parts.push_back(device.parts.at(*slot.localId).description);
-    for (const auto& [localId, part] : device.parts)
-        if (!listed.contains(localId))
-            topology.parts.push_back(part.description);
+    for (const bool connectors : {true, false})
+        for (const auto& [localId, part] : device.parts)
+            if (!listed.contains(localId) && part.description.connectorType.has_value() == connectors)
+                topology.parts.push_back(part.description);
     topology.signalPaths.assign(device.signalPaths.begin(), device.signalPaths.end());
     return topology;
 }
