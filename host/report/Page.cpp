@@ -106,7 +106,7 @@ std::string SnapshotSection(const machine::MachineDescription& machine)
     try {
         const std::string json = machine::WriteMachine(machine);
         content =
-            Element("a download=\"machine.json\" href=\"data:application/json;base64," + html::Base64(json) + "\"",
+            Element(R"(a download="machine.json" href="data:application/json;base64,)" + html::Base64(json) + "\"",
                     "Save the description as machine.json") +
             " (" + Number(json.size(), "byte") + "); <code>qovxml-configure trace --machine machine.json</code> " +
             "makes the same run on it anywhere.";
