@@ -263,6 +263,8 @@ TEST(SnapshotTest, RedactedEndpointsHaveNumbersForNames)
 {
     MachineDescription machine = Example("laptop-spatialf");
     machine.endpoints[1].friendlyName = L"Anna's phones";
+    machine.endpoints[0].properties->push_back(
+        {L"{A45C254E-df1c-4efd-8020-67d146a850e0},14", REG_SZ, {'A', 0, 'n', 0}});
     machine.endpoints[0].properties->push_back({L"text", REG_MULTI_SZ, machine::TextData(L"of Anna's phones, and", 2)});
     machine.notes = {L"\"Anna's phones\" gave different answers"};
     MachineDescription redacted = machine;
@@ -271,7 +273,7 @@ TEST(SnapshotTest, RedactedEndpointsHaveNumbersForNames)
     EXPECT_EQ(redacted.endpoints[0].properties->back().data, machine::TextData(L"of Endpoint 2, and", 2));
     EXPECT_EQ(redacted.notes.front(), L"\"Endpoint 2\" gave different answers");
     const std::string text = machine::WriteMachine(redacted);
-    for (const char* const name : {"Anna", "High Definition Audio Device", "Microphone Array", "\"Headphones\""})
+    for (const char* const name : {"An", "High Definition Audio Device", "Microphone Array", "\"Headphones\""})
         EXPECT_EQ(text.find(name), std::string::npos) << name;
     // Nothing else is another than it was.
     for (std::size_t index = 0; index < machine.endpoints.size(); ++index) {
