@@ -94,10 +94,19 @@ LineFile::LineFile(std::string bytes) : text_(std::move(bytes))
     text_ += LineEnd;
 }
 
+const std::string* LineFile::Edited(std::size_t line) const
+{
+    // Most lines are looked at below the last that was edited.
+    if (edits_.empty() || line > edits_.rbegin()->first)
+        return nullptr;
+    const auto edit = edits_.find(line);
+    return edit == edits_.end() ? nullptr : &edit->second;
+}
+
 std::string_view LineFile::operator[](std::size_t line) const
 {
-    if (const auto edit = edits_.find(line); edit != edits_.end())
-        return edit->second;
+    if (const std::string* const edited = Edited(line))
+        return *edited;
     const std::size_t end = LineFeed(line);
     const bool carriageReturn = end > line && text_[end - 1] == '\r';
     return std::string_view(text_).substr(line, end - line - (carriageReturn ? 1 : 0));
