@@ -105,6 +105,7 @@ void TakeSameLines(std::string_view& before, std::string_view& after)
 // Why the lines are not those that the edits make of the ones before; nothing: they are.
 std::optional<std::string> UnexplainedLine(const FileOutcome& file, const std::vector<ValueSet>& values)
 {
+    constexpr std::string_view Report = "Nothing was changed. Report this, with the log and the three files.";
     std::string_view before = *file.before;
     std::string_view after = *file.after;
     for (;;) {
@@ -115,23 +116,23 @@ std::optional<std::string> UnexplainedLine(const FileOutcome& file, const std::v
         const std::vector<std::string> outcomes = Outcomes(WithoutEnd(TakeLine(before)), values);
         if (std::none_of(outcomes.begin(), outcomes.end(),
                          [&](const std::string& outcome) { return TakeLines(after, outcome); }))
-            return "line " + std::to_string(CountLines(std::string_view(*file.before).substr(0, place)) + 1) +
-                   " would change in a way that no edit explains";
+            return Told(file.path,
+                        "line " + std::to_string(CountLines(std::string_view(*file.before).substr(0, place)) + 1) +
+                            " would change in a way that no edit explains",
+                        Report);
     }
     if (!after.empty())
-        return "it would have more lines than before";
+        return Told(file.path, "it would have more lines than before", Report);
     return std::nullopt;
 }
 
 std::optional<std::string> LineProblem(const FileOutcome& file, const std::vector<ValueSet>& values)
 {
-    const auto problem = UnexplainedLine(file, values);
+    auto problem = UnexplainedLine(file, values);
     if (IsCutShort(file, problem.has_value()))
         return Told(file.path, "its copy was cut short at line " + std::to_string(CountLines(*file.after)),
                     "Make room on the disk that holds the folder for temporary files.");
-    if (problem)
-        return Told(file.path, *problem, "Nothing was changed. Report this, with the log and the three files.");
-    return std::nullopt;
+    return problem;
 }
 
 std::optional<std::string> FileProblemOf(const FileOutcome& file, const std::vector<ValueSet>& values)
