@@ -120,7 +120,7 @@ public:
     void Log(LogLevel level, const std::wstring& message) override
     {
         TakeCalls();
-        events_.push_back(LogMessage{level, copies_.WithOriginals(message)});
+        events_.emplace_back(LogMessage{level, copies_.WithOriginals(message)});
     }
 
     std::vector<Event> TakeEvents()

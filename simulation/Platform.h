@@ -16,8 +16,4 @@ public:
     ~PlatformScope();
 };
 
-// Called by a thread that opens no files, so that it costs the others nothing: some systems lock what threads share at
-// every write.
-void LeaveSharedFiles();
-
 }  // namespace simulation

@@ -1,6 +1,7 @@
 #include "simulation/SimulatedMachine.h"
 
 #include "common/ComPtr.h"
+#include "simulation/MultithreadedApartment.h"
 #include "simulation/Platform.h"
 #include "simulation/RegistryImage.h"
 #include "simulation/devices/ComObject.h"
@@ -9,11 +10,8 @@
 #include <mmdeviceapi.h>
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 
 namespace simulation {
@@ -36,73 +34,31 @@ private:
     static inline std::atomic<bool> exists = false;
 };
 
-// Holds the class object in the multithreaded apartment, from a thread of its own.
-class ClassObjectHost {
+// The device enumerator's class object, in the multithreaded apartment.
+class ClassObject {
 public:
-    explicit ClassObjectHost(MachinePtr machine);
-    ClassObjectHost(const ClassObjectHost&) = delete;
-    ClassObjectHost& operator=(const ClassObjectHost&) = delete;
-    ~ClassObjectHost();
+    explicit ClassObject(const MachinePtr& machine)
+    {
+        const HRESULT result = apartment_.Run([&] {
+            qov::ComPtr<IClassFactory> factory;
+            *factory.Put() = MakeDeviceEnumeratorFactory(machine);
+            return CoRegisterClassObject(__uuidof(MMDeviceEnumerator), factory.Get(), CLSCTX_INPROC_SERVER,
+                                         REGCLS_MULTIPLEUSE, &cookie_);
+        });
+        if (FAILED(result))
+            throw std::runtime_error("The simulated device enumerator cannot be registered: " + std::to_string(result));
+    }
+    ClassObject(const ClassObject&) = delete;
+    ClassObject& operator=(const ClassObject&) = delete;
+    ~ClassObject()
+    {
+        (void)apartment_.Run([this] { return CoRevokeClassObject(cookie_); });
+    }
 
 private:
-    void Run(const MachinePtr& machine);
-
-    enum class Phase { Starting, Serving, Ending };
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    Phase phase_ = Phase::Starting;
-    HRESULT result_ = E_FAIL;
-    std::thread thread_;
+    MultithreadedApartment apartment_;
+    DWORD cookie_ = 0;
 };
-
-ClassObjectHost::ClassObjectHost(MachinePtr machine) : thread_([this, machine = std::move(machine)] { Run(machine); })
-{
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return phase_ != Phase::Starting; });
-    const HRESULT result = result_;
-    lock.unlock();
-    if (FAILED(result)) {
-        thread_.join();
-        throw std::runtime_error("The simulated device enumerator cannot be registered: " + std::to_string(result));
-    }
-}
-
-ClassObjectHost::~ClassObjectHost()
-{
-    {
-        const std::lock_guard lock(mutex_);
-        phase_ = Phase::Ending;
-    }
-    changed_.notify_all();
-    thread_.join();
-}
-
-void ClassObjectHost::Run(const MachinePtr& machine)
-{
-    LeaveSharedFiles();
-    DWORD cookie = 0;
-    const HRESULT joined = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
-    HRESULT result = joined;
-    if (SUCCEEDED(joined)) {
-        qov::ComPtr<IClassFactory> factory;
-        *factory.Put() = MakeDeviceEnumeratorFactory(machine);
-        result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), factory.Get(), CLSCTX_INPROC_SERVER,
-                                       REGCLS_MULTIPLEUSE, &cookie);
-    }
-
-    std::unique_lock lock(mutex_);
-    result_ = result;
-    phase_ = Phase::Serving;
-    changed_.notify_all();
-    if (SUCCEEDED(result))
-        changed_.wait(lock, [this] { return phase_ == Phase::Ending; });
-    lock.unlock();
-
-    if (SUCCEEDED(result))
-        (void)CoRevokeClassObject(cookie);
-    if (SUCCEEDED(joined))
-        CoUninitialize();
-}
 
 }  // namespace
 
@@ -118,7 +74,7 @@ struct SimulatedMachine::Installation {
     OnlyOne onlyOne;
     MachinePtr state;
     RegistryImage registry;
-    ClassObjectHost classObject;
+    ClassObject classObject;
     PlatformScope platform;  // last: nothing of the installation itself is recorded or made to fail
 };
 

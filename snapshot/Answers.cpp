@@ -10,13 +10,14 @@ namespace snapshot {
 
 bool Answers::Keep(const Question& question, LONG result, bool stable)
 {
-    const std::string object = machine::Utf16ToUtf8(question.object);
-    if (!stable)
-        Note(machine::Utf8ToUtf16(question.call + " of \"" + object + "\" (" + question.arguments +
+    const QuestionKey key{machine::Utf16ToUtf8(question.object), question.call, question.arguments};
+    const auto [first, isNew] = results_.try_emplace(key, result);
+    if (!stable || first->second != result)
+        Note(machine::Utf8ToUtf16(question.call + " of \"" + std::get<0>(key) + "\" (" + question.arguments +
                                   ") gave different answers: the first is kept"));
     const bool failed = machine::FindPlatformCall(question.call)->IsFailure(result);
-    if (failed && result != question.expected)
-        failures_.try_emplace({object, question.call, question.arguments}, result);
+    if (isNew && failed && result != question.expected)
+        faults_.insert(key);
     return !failed;
 }
 
@@ -37,8 +38,9 @@ void Answers::Note(const std::wstring& remark)
 
 void Answers::MoveInto(machine::MachineDescription& machine)
 {
-    for (const auto& [question, result] : failures_) {
+    for (const QuestionKey& question : faults_) {
         const auto& [object, call, arguments] = question;
+        const LONG result = results_.at(question);
         const machine::Fault fault{call, {}, result, object, arguments};
         if (object.empty() || machine::NamesObjectOf(fault, machine))
             machine.faults.push_back(fault);

@@ -71,7 +71,10 @@ public:
     void MoveInto(machine::MachineDescription& machine);
 
 private:
-    std::map<std::tuple<std::string, std::string, std::string>, LONG> failures_;  // by object, call and arguments
+    using QuestionKey = std::tuple<std::string, std::string, std::string>;  // object, call and arguments
+
+    std::map<QuestionKey, LONG> results_;
+    std::set<QuestionKey> faults_;
     std::vector<std::wstring> notes_;
     std::set<std::wstring> noted_;
 };

@@ -24,22 +24,23 @@ constexpr UINT MaxEndpoints = 4096;
 
 struct ListedDevice {
     ComPtr<IMMDevice> device;  // null: the collection did not give it
+    Answer<std::wstring> own;  // what it says of its id
     std::wstring id;           // empty: not to be known
 };
 
 // The id; where it is refused, the one that the device's topology has.
-std::wstring IdOf(IMMDevice& device, Answers& answers)
+void ReadId(ListedDevice& listed, Answers& answers)
 {
-    const auto own = Answers::Twice<std::wstring>(TextOf([&](LPWSTR* text) { return device.GetId(text); }));
-    std::wstring id = own.value;
+    IMMDevice& device = *listed.device.Get();
+    listed.own = Answers::Twice<std::wstring>(TextOf([&](LPWSTR* text) { return device.GetId(text); }));
+    listed.id = answers.Clean(listed.own.value);
     ComPtr<IDeviceTopology> topology;
-    if (FAILED(own.result) &&
-        SUCCEEDED(device.Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr, topology.PutVoid())))
-        (void)TextOf([&](LPWSTR* text) { return topology->GetDeviceId(text); })(id);
-    id = answers.Clean(id);
-    if (!id.empty())
-        answers.Keep({"IMMDevice::GetId", id}, own);
-    return id;
+    if (SUCCEEDED(listed.own.result) ||
+        FAILED(device.Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr, topology.PutVoid())))
+        return;
+    std::wstring id;
+    (void)TextOf([&](LPWSTR* text) { return topology->GetDeviceId(text); })(id);
+    listed.id = answers.Clean(id);
 }
 
 // What the collection itself says can be told of one list alone: it is recorded of that on which the run's walk goes.
@@ -69,8 +70,8 @@ std::vector<ListedDevice> List(IMMDeviceEnumerator& enumerator, EDataFlow flow, 
         devices.emplace_back();
         if (!keep({"IMMDeviceCollection::Item", {}, std::to_string(index)}, device))
             continue;
-        devices.back().id = IdOf(*device.value.Get(), answers);
         devices.back().device = std::move(device.value);
+        ReadId(devices.back(), answers);
     }
     return devices;
 }
@@ -170,6 +171,7 @@ std::vector<FoundEndpoint> ListEndpoints(IMMDeviceEnumerator& enumerator, Answer
         FoundEndpoint found{{}, listed.device};
         found.endpoint.deviceId = listed.id;
         if (listed.device) {
+            answers.Keep({"IMMDevice::GetId", listed.id}, listed.own);
             found.endpoint.flow = FlowOf(listed, isCapture, answers);
             found.endpoint.state = StateOf(*listed.device.Get(), listed.id, isActive, answers);
             ReadProperties(*listed.device.Get(), found.endpoint, answers);

@@ -61,11 +61,13 @@ void Redact(machine::MachineDescription& machine)
     // A name that holds another one goes first.
     std::stable_sort(names.begin(), names.end(),
                      [](const auto& left, const auto& right) { return left.first.size() > right.first.size(); });
-    for (const auto& [name, other] : names) {
+    for (const auto& renamed : names) {
         for (machine::Endpoint& endpoint : machine.endpoints)
-            ForEachValue(endpoint, [&](machine::RegistryValue& value) { Replace(value.data, name, other); });
+            ForEachValue(endpoint, [&renamed](machine::RegistryValue& value) {
+                Replace(value.data, renamed.first, renamed.second);
+            });
         for (std::wstring& note : machine.notes)
-            Replace(note, name, other);
+            Replace(note, renamed.first, renamed.second);
     }
 }
 

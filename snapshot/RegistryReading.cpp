@@ -65,9 +65,32 @@ ValueNames ListValues(const qov::RegistryKey& key, const std::wstring& path, Ans
     return names;
 }
 
+// A run asks for those that are counted.
+std::vector<std::optional<std::wstring>> ListKeys(const qov::RegistryKey& key, const std::wstring& path,
+                                                  std::optional<DWORD> count, Answers& answers)
+{
+    std::vector<Answer<std::wstring>> listed;
+    std::vector<std::optional<std::wstring>> names;
+    bool anyListed = false;
+    do {
+        listed.push_back(NameAt(key, static_cast<DWORD>(listed.size()), KeyNameRoom, false));
+        const bool given = listed.back().result == ERROR_SUCCESS;
+        anyListed = anyListed || given;
+        names.push_back(given ? std::optional(listed.back().value) : std::nullopt);
+    } while (count ? listed.size() <= *count : listed.back().result == ERROR_SUCCESS && listed.size() < MaxKeys);
+    const LONG last = listed.back().result;
+    names.pop_back();  // what is behind the last one
+    if (!anyListed && last != ERROR_NO_MORE_ITEMS)
+        answers.Keep({"RegEnumKeyExW", path}, last);  // whichever is asked for
+    else if (count)
+        for (DWORD index = 0; index < *count; ++index)
+            answers.Keep({"RegEnumKeyExW", path, std::to_string(index)}, listed[index]);
+    return names;
+}
+
 }  // namespace
 
-std::vector<std::wstring> ReadEndpointKeys(EDataFlow flow, Answers& answers)
+std::vector<std::optional<std::wstring>> ReadEndpointKeys(EDataFlow flow, Answers& answers)
 {
     const std::wstring path = machine::EndpointsKeyPath(flow);
     qov::RegistryKey key;
@@ -80,17 +103,7 @@ std::vector<std::wstring> ReadEndpointKeys(EDataFlow flow, Answers& answers)
         return RegQueryInfoKeyW(key.Get(), nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr, nullptr, nullptr,
                                 nullptr, nullptr, nullptr);
     });
-    std::vector<std::wstring> names;
-    for (DWORD index = 0; index < (counted ? std::min(count, MaxKeys) : MaxKeys); ++index) {
-        const Answer<std::wstring> name = NameAt(key, index, KeyNameRoom, false);
-        // A run asks for those that are counted.
-        if (counted)
-            answers.Keep({"RegEnumKeyExW", path, std::to_string(index)}, name);
-        else if (name.result != ERROR_SUCCESS)
-            break;
-        if (name.result == ERROR_SUCCESS)
-            names.push_back(name.value);
-    }
+    auto names = ListKeys(key, path, counted ? std::optional(std::min(count, MaxKeys)) : std::nullopt, answers);
     answers.Keep({"RegCloseKey", path}, key.Close());
     return names;
 }

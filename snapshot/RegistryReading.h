@@ -9,8 +9,8 @@
 
 namespace snapshot {
 
-// The names of the endpoint keys of a flow.
-std::vector<std::wstring> ReadEndpointKeys(EDataFlow flow, Answers& answers);
+// The names of the endpoint keys of a flow, in the registry's order; none in the place of one that is not to be known.
+std::vector<std::optional<std::wstring>> ReadEndpointKeys(EDataFlow flow, Answers& answers);
 
 // The values of an endpoint's key `Properties` or `FxProperties`, by name; none where it cannot be opened. One that
 // cannot be read stands there without data.

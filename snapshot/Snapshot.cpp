@@ -71,13 +71,26 @@ machine::WindowsVersion ReadVersion(Answers& answers)
 
 using KeyNames = std::set<std::wstring, machine::RegistryNameOrder>;
 
-// The endpoint keys of both flows, and who has them.
+// The keys of the endpoints of one flow.
+struct FlowKeys {
+    explicit FlowKeys(std::vector<std::optional<std::wstring>> names) : inOrder(std::move(names))
+    {
+        for (const auto& name : inOrder)
+            if (name)
+                listed.insert(*name);
+    }
+
+    std::vector<std::optional<std::wstring>> inOrder;
+    KeyNames listed{};
+    KeyNames ofEndpoints{};
+};
+
 struct EndpointKeys {
-    KeyNames render;
-    KeyNames capture;
+    FlowKeys render;
+    FlowKeys capture;
     std::set<std::wstring> takenGuids{};
 
-    KeyNames& Of(EDataFlow flow) { return flow == eCapture ? capture : render; }
+    FlowKeys& Of(EDataFlow flow) { return flow == eCapture ? capture : render; }
 };
 
 // The GUID by which the registry knows the endpoint, or one of its own, or as the last resort a made-up one.
@@ -85,7 +98,7 @@ void ChooseGuid(machine::Endpoint& endpoint, EndpointKeys& keys)
 {
     std::vector<GUID> guids = GuidsOf(endpoint);
     std::stable_partition(guids.begin(), guids.end(), [&](const GUID& guid) {
-        return keys.Of(endpoint.flow).contains(machine::LowerGuidText(guid));
+        return keys.Of(endpoint.flow).listed.contains(machine::LowerGuidText(guid));
     });
     for (ULONG number = 0;; ++number)
         for (const GUID& guid : number == 0 ? guids : std::vector<GUID>{{0xFFFFFFFF - number, 0, 0, {}}})
@@ -100,17 +113,35 @@ void ReadRegistry(machine::Endpoint& endpoint, EndpointKeys& keys, Answers& answ
     ChooseGuid(endpoint, keys);
     endpoint.properties = ReadValues(endpoint, L"Properties", answers);
     endpoint.fxProperties = ReadValues(endpoint, L"FxProperties", answers);
-    const bool listed = keys.Of(endpoint.flow).erase(machine::LowerGuidText(endpoint.guid)) != 0;
-    endpoint.registered = listed || endpoint.properties || endpoint.fxProperties;
+    FlowKeys& ofFlow = keys.Of(endpoint.flow);
+    const std::wstring name = machine::LowerGuidText(endpoint.guid);
+    endpoint.registered = ofFlow.listed.contains(name) || endpoint.properties || endpoint.fxProperties;
+    if (endpoint.registered)
+        ofFlow.ofEndpoints.insert(name);
 }
 
-// Those that belong to no endpoint.
-std::vector<std::wstring> FurtherKeys(const KeyNames& names, Answers& answers)
+// Those that belong to no endpoint. A name that is not to be known is that of an endpoint, if it fits in there, or one
+// that does.
+std::vector<std::wstring> FurtherKeys(const FlowKeys& keys, Answers& answers)
 {
-    KeyNames clean;
-    for (const std::wstring& name : names)
-        clean.insert(answers.Clean(name));
-    return {clean.begin(), clean.end()};
+    KeyNames further;
+    std::wstring previous;
+    for (const auto& name : keys.inOrder) {
+        if (name) {
+            if (!keys.ofEndpoints.contains(*name))
+                further.insert(answers.Clean(*name));
+            previous = *name;
+            continue;
+        }
+        const auto next = keys.ofEndpoints.upper_bound(previous);
+        if (next != keys.ofEndpoints.end() && !keys.listed.contains(*next)) {
+            previous = *next;
+        } else {
+            previous += L" ?";
+            further.insert(answers.Clean(previous));
+        }
+    }
+    return {further.begin(), further.end()};
 }
 
 void ReadTopologies(IMMDeviceEnumerator& enumerator, const std::vector<FoundEndpoint>& found,
@@ -122,10 +153,11 @@ void ReadTopologies(IMMDeviceEnumerator& enumerator, const std::vector<FoundEndp
     for (const auto& [endpoint, device] : found) {
         endpointIds.insert(endpoint.deviceId);
         ComPtr<IDeviceTopology> topology;
-        if (device &&
-            answers.Put({"IMMDevice::Activate", endpoint.deviceId, "IDeviceTopology"}, topology, [&](auto& given) {
-                return device->Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr, given.PutVoid());
-            }))
+        if (device && answers.Put({"IMMDevice::Activate", endpoint.deviceId, "IDeviceTopology"}, topology,
+                                  [&device = device](auto& given) {
+                                      return device->Activate(__uuidof(IDeviceTopology), CLSCTX_ALL, nullptr,
+                                                              given.PutVoid());
+                                  }))
             survey.Add(endpoint.deviceId, topology);
     }
     for (const auto& [endpoint, device] : found) {
@@ -148,11 +180,7 @@ machine::MachineDescription TakeSnapshot()
     Answers answers;
     machine::MachineDescription machine;
     machine.windowsVersion = ReadVersion(answers);
-    const auto names = [&](EDataFlow flow) {
-        const auto list = ReadEndpointKeys(flow, answers);
-        return KeyNames(list.begin(), list.end());
-    };
-    EndpointKeys keys{names(eRender), names(eCapture)};
+    EndpointKeys keys{FlowKeys(ReadEndpointKeys(eRender, answers)), FlowKeys(ReadEndpointKeys(eCapture, answers))};
 
     const ComMembership com(answers);
     ComPtr<IMMDeviceEnumerator> enumerator;

@@ -158,7 +158,9 @@ void TopologySurvey::DescribeConnector(const OpenConnector& open)
                       L"\"");
     if (reached)
         Follow(known, other);
-    if (!known.description.connectedTo)
+    if (!known.description.connectedTo && deviceNamed)
+        known.description.connectedTo = {answers_.Clean(otherDevice), MadeUpId(devices_[answers_.Clean(otherDevice)])};
+    else if (!known.description.connectedTo)
         known.description.connectedTo = {L"unknown device " + std::to_wstring(++unknownDevices_), 0};
 }
 
@@ -329,9 +331,10 @@ std::vector<UINT> TopologySurvey::PathsFrom(const PartAddress& from)
             continue;
         ComPtr<IPartsList> path;
         const std::string ends = machine::LocalIdText(from.localId) + ", " + machine::LocalIdText(localId) + ", 1";
-        if (!answers_.Put({"IDeviceTopology::GetSignalPath", from.deviceId, ends, E_NOTFOUND}, path, [&](auto& given) {
-                return device.topology->GetSignalPath(start.Get(), to.part.Get(), TRUE, given.Put());
-            }))
+        if (!answers_.Put({"IDeviceTopology::GetSignalPath", from.deviceId, ends, E_NOTFOUND}, path,
+                          [&, &to = to](auto& given) {
+                              return device.topology->GetSignalPath(start.Get(), to.part.Get(), TRUE, given.Put());
+                          }))
             continue;
         device.signalPaths.insert({from.localId, localId});
         reached.push_back(localId);
@@ -434,9 +437,10 @@ std::optional<machine::TopologyDescription> TopologySurvey::Describe(const std::
     for (const Slot& slot : device.slots)
         if (listed.insert(*slot.localId).second)
             topology.parts.push_back(device.parts.at(*slot.localId).description);
-    for (const auto& [localId, part] : device.parts)
-        if (!listed.contains(localId))
-            topology.parts.push_back(part.description);
+    for (const bool connectors : {true, false})
+        for (const auto& [localId, part] : device.parts)
+            if (!listed.contains(localId) && part.description.connectorType.has_value() == connectors)
+                topology.parts.push_back(part.description);
     topology.signalPaths.assign(device.signalPaths.begin(), device.signalPaths.end());
     return topology;
 }

@@ -12,7 +12,7 @@
 #include "host/review/Warnings.h"
 #include "rehearsal/Rehearsal.h"
 #include "rehearsal/TemporaryFolder.h"
-#include "simulation/SimulatedMachine.h"
+#include "simulation/UnusableMachine.h"
 #include "snapshot/Snapshot.h"
 
 #include <algorithm>

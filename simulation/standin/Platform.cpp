@@ -3,8 +3,6 @@
 #include "WinApiControl.h"
 #include "machine/Utf16.h"
 
-#include <sched.h>
-
 namespace simulation {
 
 PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMonitor& calls)
@@ -21,8 +19,5 @@ PlatformScope::~PlatformScope()
     winapi::SetCallHook({});
     winapi::SetWindowsVersion({});
 }
-
-// Where the system refuses, writing is slower and nothing else.
-void LeaveSharedFiles() { (void)::unshare(CLONE_FILES); }
 
 }  // namespace simulation

@@ -37,6 +37,4 @@ PlatformScope::PlatformScope(const machine::MachineDescription& machine, CallMon
 
 PlatformScope::~PlatformScope() = default;
 
-void LeaveSharedFiles() {}
-
 }  // namespace simulation

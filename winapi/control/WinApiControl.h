@@ -36,6 +36,11 @@ struct Holdings {
 };
 Holdings CurrentHoldings();
 
+// A member of the multithreaded apartment that is no thread; it runs `work` on the calling one.
+void JoinMultithreadedApartment();
+void LeaveMultithreadedApartment();
+HRESULT RunInMultithreadedApartment(const std::function<HRESULT()>& work);
+
 struct WindowsVersion {
     DWORD major = 10;
     DWORD minor = 0;

@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -61,6 +62,28 @@ void winapi::internal::CountCom(Holdings& holdings)
     const std::lock_guard lock(Com().mutex);
     holdings.apartmentJoins = Com().joins;
     holdings.classObjects = Com().classObjects.size();
+}
+
+void winapi::JoinMultithreadedApartment()
+{
+    const std::lock_guard lock(Com().mutex);
+    ++Com().joins;
+    ++Com().multithreadedJoins;
+}
+
+void winapi::LeaveMultithreadedApartment()
+{
+    const std::lock_guard lock(Com().mutex);
+    --Com().joins;
+    --Com().multithreadedJoins;
+}
+
+HRESULT winapi::RunInMultithreadedApartment(const std::function<HRESULT()>& work)
+{
+    const ThreadState own = std::exchange(thisThread, {Apartment::Multithreaded, 1});
+    const HRESULT result = work();
+    thisThread = own;
+    return result;
 }
 
 HRESULT STDAPICALLTYPE CoInitializeEx(LPVOID reserved, DWORD apartment)
