@@ -119,7 +119,7 @@ void PlainXml(benchmark::State& state)
     const std::string text = "<r>\r\n" + Repeated(Filler, state.range(0)) + "</r>\r\n";
     for (auto _ : state)
         benchmark::DoNotOptimize(host::IsPlainXml(text));
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
     state.SetComplexityN(state.range(0));
 }
 BENCHMARK(PlainXml)->Apply(MillionLines);
