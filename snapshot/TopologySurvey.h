@@ -72,6 +72,7 @@ private:
     void ReadConnectors(const std::wstring& deviceId, const qov::ComPtr<IDeviceTopology>& topology);
     void AddConnector(const std::wstring& deviceId, Slot& slot);
     void DescribeConnector(const OpenConnector& open);
+    void DescribeConnection(KnownPart& known, const std::wstring& object, IConnector& connector, bool connected);
     void Follow(KnownPart& known, const qov::ComPtr<IConnector>& other);
     void AddNeighbour(const machine::PartAddress& address, const qov::ComPtr<IPart>& part);
     void ReadSelector(const machine::PartAddress& address, KnownPart& known);

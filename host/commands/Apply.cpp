@@ -51,6 +51,12 @@ std::vector<FileChange> TakeChanges(rehearsal::Outcome outcome)
     return changes;
 }
 
+std::wstring LastMessage(const rehearsal::Outcome& outcome)
+{
+    const std::vector<rehearsal::LogMessage> log = rehearsal::Log(outcome);
+    return log.empty() ? L"" : log.back().text;
+}
+
 // One `apply`, from the first look at the files to the end.
 class Application {
 public:
@@ -162,7 +168,8 @@ private:
         try {
             const machine::MachineDescription machine = snapshot::TakeSnapshot();
             const rehearsal::Outcome again = rehearsal::Rehearse(machine, options_.files);
-            if (again.failure == outcome.failure)
+            // It must have come as far, not only ended with the same message.
+            if (again.failure == outcome.failure && LastMessage(again) == LastMessage(outcome))
                 TakeCulprits(machine, again, ReadFindings(again));
         } catch (const std::exception&) {
             // The run's own message stands without them.
