@@ -66,12 +66,12 @@ public:
     }
 
     // Copies every file that there is.
-    std::array<FileOutcome, 3> Make(const Contents& originals) const
+    std::array<FileOutcome, 3> Make(Contents originals) const
     {
         std::array<FileOutcome, 3> files;
         for (std::size_t index = 0; index < pairs_.size(); ++index) {
             const auto& [original, copy] = pairs_[index];
-            files[index] = {original, originals[index].bytes, {}};
+            files[index] = {original, std::move(originals[index].bytes), {}};
             if (!files[index].before)
                 continue;
             std::ofstream file(copy, std::ios::binary);
@@ -145,11 +145,11 @@ private:
     std::vector<Event> events_;
 };
 
-Outcome Run(const Contents& files, const simulation::SimulatedMachine* machine)
+Outcome Run(Contents files, const simulation::SimulatedMachine* machine)
 {
     const Copies copies(files);
     Outcome outcome;
-    outcome.files = copies.Make(files);
+    outcome.files = copies.Make(std::move(files));
     EventLogger logger(copies, machine);
     try {
         QovXml::ConfigureQovXmls(copies.Paths(), logger);
@@ -168,10 +168,10 @@ Outcome Rehearse(const machine::MachineDescription& machine, const QovXml::Confi
     return RehearseContents(machine, ReadFiles(files));
 }
 
-Outcome RehearseContents(const machine::MachineDescription& machine, const std::array<NamedContents, 3>& files)
+Outcome RehearseContents(const machine::MachineDescription& machine, std::array<NamedContents, 3> files)
 {
     const simulation::SimulatedMachine simulated(machine);
-    Outcome outcome = Run(files, &simulated);
+    Outcome outcome = Run(std::move(files), &simulated);
     outcome.unusedFaults = simulated.FaultsThatNeverFired();
     return outcome;
 }

@@ -49,7 +49,7 @@ struct NamedContents {
     std::string path;  // different ones
     std::optional<std::string> bytes;
 };
-Outcome RehearseContents(const machine::MachineDescription& machine, const std::array<NamedContents, 3>& files);
+Outcome RehearseContents(const machine::MachineDescription& machine, std::array<NamedContents, 3> files);
 
 // The messages alone.
 std::vector<LogMessage> Log(const Outcome& outcome);

@@ -1,7 +1,9 @@
 #include "snapshot/Snapshot.h"
 
+#include "machine/JsonValues.h"
+
 #include <algorithm>
-#include <iterator>
+#include <set>
 
 namespace snapshot {
 
@@ -10,7 +12,7 @@ namespace {
 using machine::Bytes;
 
 // What people call an endpoint and its device: the names of the device, of the endpoint, and of the device interface.
-constexpr const wchar_t* NameValues[] = {
+const std::set<std::wstring, machine::RegistryNameOrder> NameValues = {
     L"{a45c254e-df1c-4efd-8020-67d146a850e0},14", L"{a45c254e-df1c-4efd-8020-67d146a850e0},2",
     L"{b3f8fa53-0004-438e-9003-51a46e139bfc},6", L"{026e516e-b814-414b-83cd-856d6fef4822},2"};
 
@@ -53,8 +55,7 @@ void Redact(machine::MachineDescription& machine)
         names.emplace_back(endpoint.friendlyName, other);
         endpoint.friendlyName = other;
         ForEachValue(endpoint, [&](machine::RegistryValue& value) {
-            if (value.type == REG_SZ &&
-                std::find(std::begin(NameValues), std::end(NameValues), value.name) != std::end(NameValues))
+            if (value.type == REG_SZ && NameValues.contains(value.name))
                 value.data = machine::TextData(other);
         });
     }

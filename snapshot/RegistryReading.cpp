@@ -118,21 +118,23 @@ std::optional<std::vector<machine::RegistryValue>> ReadValues(const machine::End
         }))
         return std::nullopt;
     const ValueNames listed = ListValues(key, path, answers);
-    ValueNames asked = listed;
+    ValueNames asked;  // as a run spells them
     if (name == L"Properties")
         asked.insert(std::begin(AskedProperties), std::end(AskedProperties));
     else
         asked.insert(std::begin(AskedFxProperties), std::end(AskedFxProperties));
+    asked.insert(listed.begin(), listed.end());
 
     std::vector<machine::RegistryValue> values;
     ValueNames taken;
     for (const std::wstring& valueName : asked) {
         machine::RegistryValue value;
-        const bool exists = listed.contains(valueName);
+        const auto found = listed.find(valueName);
+        const bool exists = found != listed.end();
         const bool read = answers.Put(
             {"RegQueryValueExW", path, machine::Utf16ToUtf8(valueName), exists ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND},
             value, [&](machine::RegistryValue& data) { return ReadValue(key, valueName, data); });
-        value.name = answers.Clean(valueName);
+        value.name = answers.Clean(exists ? *found : valueName);
         if ((exists || read) && !taken.insert(value.name).second)
             answers.Note(L"A value of " + path + L" is left out: another one is kept as \"" + value.name + L"\"");
         else if (exists || read)

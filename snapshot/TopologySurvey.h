@@ -72,7 +72,8 @@ private:
     void ReadConnectors(const std::wstring& deviceId, const qov::ComPtr<IDeviceTopology>& topology);
     void AddConnector(const std::wstring& deviceId, Slot& slot);
     void DescribeConnector(const OpenConnector& open);
-    void Follow(KnownPart& part, const qov::ComPtr<IConnector>& other);
+    void DescribeConnection(KnownPart& known, const std::wstring& object, IConnector& connector, bool connected);
+    void Follow(KnownPart& known, const qov::ComPtr<IConnector>& other);
     void AddNeighbour(const machine::PartAddress& address, const qov::ComPtr<IPart>& part);
     void ReadSelector(const machine::PartAddress& address, KnownPart& known);
     const std::vector<UINT>& Neighbours(const machine::PartAddress& address, EDataFlow flow);

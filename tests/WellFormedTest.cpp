@@ -1,6 +1,9 @@
 // One table of verdicts for the parsers of all systems.
 #include "host/review/WellFormed.h"
 
+#include "host/review/PlainXml.h"
+#include "host/review/XmlParser.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -113,6 +116,33 @@ TEST(WellFormedTest, DepthAndSizeAreNoFault)
         deep += "</a>";
     EXPECT_FALSE(host::WellFormedFault(deep));
     EXPECT_FALSE(host::WellFormedFault("<a b='" + std::string(3'000'000, 'x') + "'/>"));
+}
+
+// What is seen at a glance is what a parser finds: for every document that differs in one byte from one of all plain
+// kinds.
+TEST(PlainXmlTest, VouchesForNothingThatAParserRefuses)
+{
+    const std::string plain =
+        "<?xml version=\"1.0\"?>\n<!-- a-b -->\n<a b='1' c = \"x&amp;&lt;'\" >t&gt;]] <d e='\"'/><_f>\r\n</_f ></a>\n";
+    EXPECT_TRUE(host::IsPlainXml(plain));
+    std::size_t vouched = 0;
+    for (std::size_t at = 0; at < plain.size(); ++at) {
+        for (const char byte : std::string("<>/!-?=&;]'\" \nab1\x01\0", 19)) {
+            std::string changed = plain;
+            changed[at] = byte;
+            for (const std::string& document : {changed, plain.substr(0, at) + byte + plain.substr(at)}) {
+                if (!host::IsPlainXml(document))
+                    continue;
+                ++vouched;
+                EXPECT_FALSE(host::ParserFault(document)) << document;
+            }
+        }
+    }
+    EXPECT_GT(vouched, plain.size()) << "some of the changes do no harm";
+    for (const Row& row : Rows)
+        EXPECT_TRUE(row.line == 0 || !host::IsPlainXml(row.xml)) << row.name;
+    for (const Row& row : RowsOfFullReaders)
+        EXPECT_TRUE(row.line == 0 || !host::IsPlainXml(row.xml)) << row.name;
 }
 
 }  // namespace

@@ -49,7 +49,8 @@ std::string AtFault(const machine::MachineDescription& machine, const rehearsal:
                     const Findings& findings)
 {
     std::string list;
-    for (const std::string& line : FindCulprits(machine, outcome, findings).lines)
+    const auto culprits = FindCulprits(machine, outcome, findings);
+    for (const std::string& line : culprits.lines)
         list += Element("p class=\"outcome bad\"", "At fault: " + Text(line)) + "\n";
     return list;
 }
@@ -105,7 +106,7 @@ std::string SnapshotSection(const machine::MachineDescription& machine)
     try {
         const std::string json = machine::WriteMachine(machine);
         content =
-            Element("a download=\"machine.json\" href=\"data:application/json;base64," + html::Base64(json) + "\"",
+            Element(R"(a download="machine.json" href="data:application/json;base64,)" + html::Base64(json) + "\"",
                     "Save the description as machine.json") +
             " (" + Number(json.size(), "byte") + "); <code>qovxml-configure trace --machine machine.json</code> " +
             "makes the same run on it anywhere.";

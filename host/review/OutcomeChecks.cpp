@@ -128,7 +128,7 @@ std::optional<std::string> UnexplainedLine(const FileOutcome& file, const std::v
 
 std::optional<std::string> LineProblem(const FileOutcome& file, const std::vector<ValueSet>& values)
 {
-    const auto problem = UnexplainedLine(file, values);
+    auto problem = UnexplainedLine(file, values);
     if (IsCutShort(file, problem.has_value()))
         return Told(file.path, "its copy was cut short at line " + std::to_string(CountLines(*file.after)),
                     "Make room on the disk that holds the folder for temporary files.");

@@ -55,12 +55,12 @@ std::string ReadBytes(std::FILE* file, const std::string& path)
     return bytes;
 }
 
-// As one piece, past the stream's buffer: so the system has it when this returns.
-bool WriteBytes(std::FILE* file, std::string_view bytes)
+// By the number of a stream's file: as one piece, past its buffer, so that the system has it when this returns.
+bool WriteBytes(int file, std::string_view bytes)
 {
     while (!bytes.empty()) {
         const auto part = static_cast<unsigned>(std::min<std::size_t>(bytes.size(), INT_MAX));
-        const int written = _write(_fileno(file), bytes.data(), part);
+        const int written = _write(file, bytes.data(), part);
         if (written <= 0)
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(written));
@@ -94,10 +94,19 @@ LineFile::LineFile(std::string bytes) : text_(std::move(bytes))
     text_ += LineEnd;
 }
 
+const std::string* LineFile::Edited(std::size_t line) const
+{
+    // Most lines are looked at below the last that was edited.
+    if (edits_.empty() || line > edits_.rbegin()->first)
+        return nullptr;
+    const auto edit = edits_.find(line);
+    return edit == edits_.end() ? nullptr : &edit->second;
+}
+
 std::string_view LineFile::operator[](std::size_t line) const
 {
-    if (const auto edit = edits_.find(line); edit != edits_.end())
-        return edit->second;
+    if (const std::string* const edited = Edited(line))
+        return *edited;
     const std::size_t end = LineFeed(line);
     const bool carriageReturn = end > line && text_[end - 1] == '\r';
     return std::string_view(text_).substr(line, end - line - (carriageReturn ? 1 : 0));
@@ -184,20 +193,21 @@ void WriteLineFile(LineFile lines, const std::string& path)
     const FilePtr file(std::fopen(path.c_str(), "wb"));
     if (!file)
         return;
+    const int number = _fileno(file.get());
     char* const text = lines.text_.data();
     auto edit = lines.edits_.begin();
     for (std::size_t line = 0, next = 0; line < lines.End(); line = next) {
         next = lines.Next(line);
         bool written = false;
         if (edit != lines.edits_.end() && edit->first == line) {
-            written = WriteBytes(file.get(), (edit++)->second);
+            written = WriteBytes(number, (edit++)->second);
         } else if (next - line >= LineEnd.size() && text[next - 2] == '\r') {
-            written = WriteBytes(file.get(), {text + line, next - line});
+            written = WriteBytes(number, {text + line, next - line});
         } else {
             // A line end of LF alone is never the last: its CR LF reaches for one byte into the next line.
             const char following = std::exchange(text[next], '\n');
             text[next - 1] = '\r';
-            written = WriteBytes(file.get(), {text + line, next + 1 - line});
+            written = WriteBytes(number, {text + line, next + 1 - line});
             text[next] = following;
         }
         if (!written)

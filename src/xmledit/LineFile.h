@@ -35,6 +35,7 @@ public:
 private:
     friend void WriteLineFile(LineFile lines, const std::string& path);
 
+    const std::string* Edited(std::size_t line) const;  // null: as it was read
     std::size_t LineFeed(std::size_t line) const { return text_.find('\n', line); }
     std::size_t StartOf(std::size_t position) const;
     std::optional<std::size_t> FindInText(std::size_t from, std::size_t end, std::string_view text) const;
