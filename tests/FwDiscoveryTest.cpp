@@ -347,7 +347,7 @@ TEST(FwDiscovery, AsksEveryEndpointAndPinTheSame)
                           {"IDeviceTopology::GetDeviceId", 2},
                           {"IMMDeviceEnumerator::GetDevice", 2},
                           {"IKsControl::KsProperty", 4}};
-    for (const std::size_t count : {1, 2, 256}) {
+    for (const std::size_t count : {1U, 2U, 256U}) {
         machine::MachineDescription machine = Machine(eRender, StraightPath());
         machine.endpoints.resize(count, machine.endpoints.front());
         for (std::size_t index = 0; index < count; ++index)
@@ -364,7 +364,7 @@ TEST(FwDiscovery, AsksEveryEndpointAndPinTheSame)
         std::iota(pins.begin(), pins.end(), 0x10010);
         return CallsOf(ScannedMachine(pins));
     };
-    for (const UINT more : {1, 255})
+    for (const UINT more : {1U, 255U})
         EXPECT_EQ(withPins(1 + more), Sum(withPins(1), pin, more)) << more;
 }
 
