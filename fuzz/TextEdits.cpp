@@ -97,7 +97,10 @@ void SetValue(LineFile file, const std::string& keyword, const std::string& tag,
     const Lines after = LinesOf(file);
     Require(failure.empty() || after == before, "a failure changes nothing");
     RequireValueSet(before, after, tag, value);
-    if (!failure.empty() || value.find('"') != std::string::npos)
+    // A keyword within the value that was replaced is gone.
+    const auto changed = std::mismatch(before.begin(), before.end(), after.begin()).second;
+    const bool found = changed == after.end() || changed->find(keyword) != std::string::npos;
+    if (!failure.empty() || !found || value.find('"') != std::string::npos)
         return;
     Require(Try([&] { qov::SetQuotedValue(file, keyword, tag, value); }).empty() && LinesOf(file) == after,
             "a second run changes nothing");

@@ -1,15 +1,12 @@
 // Every example machine and every machine of tests/scenarios/, with every platform call of its run failing once and
 // every kind of call failing from its n-th time on: what must hold of every run holds. FaultSweepTest says, for one
 // machine, what each single failure comes to.
-//
-// QOVXML_TEST_SHARE=N runs every N-th injection only, for slow builds.
 #include "ScenarioCases.h"
 #include "machine/MachineJson.h"
 #include "support/Trial.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -90,14 +87,8 @@ protected:
     }
 
 private:
-    static unsigned Share()
-    {
-        const char* const share = std::getenv("QOVXML_TEST_SHARE");
-        return share == nullptr ? 1 : static_cast<unsigned>(std::stoul(share));
-    }
-
     const Trials trials_;
-    const unsigned share_ = Share();
+    const unsigned share_ = TestShare();
     unsigned offered_ = 0;
     unsigned injected_ = 0;
     unsigned completed_ = 0;

@@ -73,7 +73,7 @@ TEST(ShortageTest, EveryAllocationFailsOnce)
 {
     const Trials trials;
     std::size_t failing = 1;
-    for (bool met = true; met; ++failing) {
+    for (bool met = true; met; failing += TestShare()) {
         SCOPED_TRACE("allocation " + std::to_string(failing));
         const Trial trial = trials.Run(ExampleMachine(), [&](const QovXml::Config& config, ILogger& logger) {
             // Windows' functions are not watched meanwhile: their record would need memory where none may fail.
@@ -86,7 +86,7 @@ TEST(ShortageTest, EveryAllocationFailsOnce)
         ASSERT_EQ(trial.failure, met ? "std::bad_alloc" : "");
     }
     EXPECT_GT(failing, 100u);
-    std::cout << failing - 2 << " allocations" << std::endl;
+    std::cout << (failing - 1) / TestShare() - 1 << " allocations" << std::endl;
 }
 
 TEST(ShortageTest, EveryMessageMeetsALoggerThatThrows)

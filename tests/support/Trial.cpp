@@ -4,6 +4,7 @@
 #include "support/Holdings.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <filesystem>
@@ -160,4 +161,10 @@ void Trials::CheckFiles(Trial& trial) const
             (!saved || WithoutMarkers(trial.files[index]) != WithoutMarkers(WithValues(before_[index], trial.log))))
             trial.broken += std::string("neither old nor new: ") + Names[index] + "\n";
     }
+}
+
+unsigned TestShare()
+{
+    const char* const share = std::getenv("QOVXML_TEST_SHARE");
+    return share == nullptr ? 1 : static_cast<unsigned>(std::stoul(share));
 }

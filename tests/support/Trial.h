@@ -40,3 +40,6 @@ private:
 
 // Whether docs/MESSAGES.md has a heading for the message.
 bool IsDocumented(const std::string& message);
+
+// QOVXML_TEST_SHARE=N: of thousands of runs a slow build makes every N-th alone. 1 where it is not set.
+unsigned TestShare();
