@@ -163,33 +163,31 @@ void TopologySurvey::DescribeConnection(KnownPart& known, const std::wstring& ob
     if (named && (!address || GlobalId(*address) != connectorId))
         answers_.Note(L"The connector \"" + object + L"\" names the other side in another form: \"" +
                       answers_.Clean(connectorId) + L"\"");
+    const auto query = [&](ComPtr<IPart>& given) { return other.QueryInto(given); };
+    const auto otherPart = reached ? Answers::Twice<ComPtr<IPart>>(query) : Answer<ComPtr<IPart>>();
+    if (!address && otherPart.value)
+        address = AddressOf(*otherPart.value.Get());
+    if (!address)
+        address = deviceNamed ? PartAddress{otherDevice, MadeUpId(devices_[otherDevice])}
+                              : PartAddress{L"unknown device " + std::to_wstring(++unknownDevices_), 0};
     if (reached)
-        Follow(known, other);
-    if (!address && deviceNamed)
-        address = {otherDevice, MadeUpId(devices_[otherDevice])};
-    else if (!address)
-        address = {L"unknown device " + std::to_wstring(++unknownDevices_), 0};
+        Follow(*address, other, otherPart);
 }
 
-void TopologySurvey::Follow(KnownPart& known, const ComPtr<IConnector>& other)
+void TopologySurvey::Follow(const PartAddress& address, const ComPtr<IConnector>& other,
+                            const Answer<ComPtr<IPart>>& part)
 {
-    std::optional<PartAddress>& address = known.description.connectedTo;
-    const auto part = Answers::Twice<ComPtr<IPart>>([&](ComPtr<IPart>& given) { return other.QueryInto(given); });
-    if (!address && SUCCEEDED(part.result))
-        address = AddressOf(*part.value.Get());
-    if (!address)
-        return;
-    answers_.Keep({"IConnector::QueryInterface", GlobalId(*address)}, part);
-    openConnectors_.push_back({*address, other});
+    answers_.Keep({"IConnector::QueryInterface", GlobalId(address)}, part);
+    openConnectors_.push_back({address, other});
     if (FAILED(part.result))
         return;
-    KnownPart& reached = devices_[address->deviceId].parts[address->localId];
-    reached.description.localId = address->localId;
+    KnownPart& reached = devices_[address.deviceId].parts[address.localId];
+    reached.description.localId = address.localId;
     if (!reached.part)
         reached.part = part.value;
     ComPtr<IDeviceTopology> topology;
-    if (!devices_[address->deviceId].topology && SUCCEEDED(part.value->GetTopologyObject(topology.Put())))
-        openTopologies_.emplace_back(address->deviceId, topology);
+    if (!devices_[address.deviceId].topology && SUCCEEDED(part.value->GetTopologyObject(topology.Put())))
+        openTopologies_.emplace_back(address.deviceId, topology);
 }
 
 // Where the part does not tell, as its global id has it.

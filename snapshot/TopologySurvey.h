@@ -73,7 +73,8 @@ private:
     void AddConnector(const std::wstring& deviceId, Slot& slot);
     void DescribeConnector(const OpenConnector& open);
     void DescribeConnection(KnownPart& known, const std::wstring& object, IConnector& connector, bool connected);
-    void Follow(KnownPart& known, const qov::ComPtr<IConnector>& other);
+    void Follow(const machine::PartAddress& address, const qov::ComPtr<IConnector>& other,
+                const Answer<qov::ComPtr<IPart>>& part);
     void AddNeighbour(const machine::PartAddress& address, const qov::ComPtr<IPart>& part);
     void ReadSelector(const machine::PartAddress& address, KnownPart& known);
     const std::vector<UINT>& Neighbours(const machine::PartAddress& address, EDataFlow flow);

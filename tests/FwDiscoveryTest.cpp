@@ -298,12 +298,14 @@ TEST(FwDiscovery, FailedCallsOfTheWalkEndWhatTheyMust)
 
 using Counts = std::map<std::string, std::size_t>;
 
+// Of the simulated objects: Windows' own functions are recorded over the stand-in alone.
 Counts CallsOf(const machine::MachineDescription& description)
 {
     Counts counts;
     const FwRun run(description);
     for (const simulation::CallRecord& call : run.machine.Calls())
-        ++counts[call.call];
+        if (!machine::FindPlatformCall(call.call)->IsFunction())
+            ++counts[call.call];
     return counts;
 }
 
@@ -316,14 +318,12 @@ Counts Sum(Counts counts, const Counts& more, std::size_t times)
 
 TEST(FwDiscovery, AsksEveryEndpointAndPinTheSame)
 {
-    const Counts once{
-        {"CoCreateInstance", 1}, {"IMMDeviceEnumerator::EnumAudioEndpoints", 1}, {"IMMDeviceCollection::GetCount", 1}};
+    const Counts once{{"IMMDeviceEnumerator::EnumAudioEndpoints", 1}, {"IMMDeviceCollection::GetCount", 1}};
     // A way of one hop over one selector to a filter with two connectors, whose offload pin lists its modules.
     const Counts endpoint{{"IMMDeviceCollection::Item", 1},
                           {"IMMDevice::GetId", 1},
                           {"IMMDevice::OpenPropertyStore", 1},
                           {"IPropertyStore::GetValue", 1},
-                          {"CLSIDFromString", 1},
                           {"IMMDevice::QueryInterface", 1},
                           {"IMMEndpoint::GetDataFlow", 1},
                           {"IMMDevice::Activate", 3},

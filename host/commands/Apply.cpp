@@ -85,6 +85,8 @@ public:
         } catch (const simulation::UnusableMachine& unusable) {
             if (!machine_.isSnapshot)
                 return TellUnusable(machine_, unusable, console_);
+            ending_.report.atFault = FailedFunctions(*machine_.description);
+            ending_.report.moreBy = "qovxml-configure snapshot";
             return ending_.Failed(RunFailed, UnusableSnapshot(unusable));
         } catch (const rehearsal::NoCopies& failure) {
             return ending_.Failed(RunFailed, Harmless(failure.what()) +

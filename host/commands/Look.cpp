@@ -3,6 +3,7 @@
 #include "BuiltIn.h"
 #include "host/commands/Ending.h"
 #include "host/files/Interrupt.h"
+#include "host/review/Calls.h"
 #include "host/review/ShownText.h"
 #include "rehearsal/TemporaryFolder.h"
 #include "simulation/UnusableMachine.h"
@@ -44,15 +45,24 @@ ExitCode TellUnusable(const ChosenMachine& machine, const simulation::UnusableMa
     if (!machine.isSnapshot)
         return TellWrongUsage(Harmless(machine.name) + ": " + Harmless(unusable.what()));
     console.Error(UnusableSnapshot(unusable));
+    for (const std::string& line : FailedFunctions(*machine.description))
+        console.Error("At fault: " + line);
     return RunFailed;
 }
 
 std::string UnusableSnapshot(const simulation::UnusableMachine& unusable)
 {
-    return Harmless(unusable.what()) +
-           ", and such a call fails on this machine. What to do: Take it along with qovxml-configure snapshot, and "
-           "look at "
-           "it with --machine off Windows.";
+    return "The snapshot of this machine cannot be run on here: " + Harmless(unusable.what()) +
+           ". What to do: Write it with qovxml-configure snapshot, and look at it with --machine off Windows.";
+}
+
+std::vector<std::string> FailedFunctions(const machine::MachineDescription& machine)
+{
+    std::vector<std::string> lines;
+    for (const machine::Fault& fault : machine.faults)
+        if (machine::FindPlatformCall(fault.call)->IsFunction())
+            lines.push_back(FailureOf({fault.call, fault.object, fault.arguments, fault.result}));
+    return lines;
 }
 
 bool NamesFiles(const CommonOptions& options) { return !options.files.ConfigurationFile.empty(); }

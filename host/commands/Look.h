@@ -24,10 +24,14 @@ struct Look {
     std::vector<EndpointView> endpoints;
 };
 
-// A machine that cannot be simulated is wrong usage, but not one of which a snapshot was taken.
+// A machine that cannot be simulated is wrong usage, but not one of which a snapshot was taken: Windows' own functions
+// failed on it, and cannot be made to.
 ExitCode TellUnusable(const ChosenMachine& machine, const simulation::UnusableMachine& unusable,
                       const Console& console);
 std::string UnusableSnapshot(const simulation::UnusableMachine& unusable);
+
+// The calls of Windows' own functions that failed when the snapshot was taken: one line each, harmless to show.
+std::vector<std::string> FailedFunctions(const machine::MachineDescription& machine);
 
 // Whether the three files are named.
 bool NamesFiles(const CommonOptions& options);
