@@ -33,8 +33,8 @@ constexpr std::array<unsigned char, 256> MakeClasses()
 }
 constexpr std::array<unsigned char, 256> Classes = MakeClasses();
 
-constexpr std::string_view Declarations[] = {"<?xml version=\"1.0\" encoding=\"UTF-8\"?>",
-                                             "<?xml version=\"1.0\" encoding=\"utf-8\"?>", "<?xml version=\"1.0\"?>"};
+constexpr std::string_view Declarations[] = {R"(<?xml version="1.0" encoding="UTF-8"?>)",
+                                             R"(<?xml version="1.0" encoding="utf-8"?>)", R"(<?xml version="1.0"?>)"};
 constexpr std::string_view References[] = {"&amp;", "&lt;", "&gt;", "&quot;", "&apos;"};
 
 unsigned char ClassOf(char byte) { return Classes[static_cast<unsigned char>(byte)]; }

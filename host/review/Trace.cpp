@@ -49,7 +49,7 @@ const StepStart* FindStart(const std::wstring& text)
     return found == std::end(StepStarts) ? nullptr : found;
 }
 
-constexpr unsigned IndentWidth = 2;
+constexpr std::size_t IndentWidth = 2;
 
 // Several lines of a message stand below each other.
 void AppendIndented(std::vector<TraceLine>& lines, const std::string& text, unsigned depth)
@@ -130,7 +130,7 @@ std::vector<TraceLine> TraceLines(const std::vector<TraceStep>& steps)
     for (const TraceStep& step : steps) {
         const char* const mark = step.line.level == LogLevel::Warning ? "warning: " : "";
         AppendIndented(lines, mark + HarmlessLines(LogText(step.line.text)), step.depth);
-        const std::string indent((step.depth + 1) * IndentWidth, ' ');
+        const std::string indent(IndentWidth * (step.depth + 1), ' ');
         for (const CallRecord& call : step.calls) {
             const bool failed = AnswerOf(call) == Answer::Failed;
             lines.push_back({(failed ? "!" + indent.substr(1) : indent) + CallLine(call), failed});
