@@ -1,5 +1,7 @@
 #include "snapshot/FilterReading.h"
 
+#include "machine/FilterRequest.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -9,32 +11,11 @@ namespace snapshot {
 namespace {
 
 using machine::Bytes;
+using machine::FilterRequest;
 using qov::ComPtr;
-
-constexpr GUID AudioEngineSet{0x3a2f82dc, 0x886f, 0x4baa, {0x9e, 0xb4, 0x08, 0x2b, 0x90, 0x25, 0xc5, 0x36}};
-constexpr GUID PpApiSet{0xbae9ce37, 0xaa99, 0x4bc7, {0x9b, 0xdf, 0x4c, 0xbf, 0x3d, 0x23, 0xe1, 0xb9}};
-constexpr GUID ModuleListSelector{0xc18e2f7e, 0x933d, 0x4965, {0xb7, 0xd1, 0x1e, 0xef, 0x22, 0x8d, 0x2a, 0xf3}};
-constexpr ULONG AudioEngineDescriptorId = 6;
-constexpr ULONG VersionTestId = 0;
-constexpr ULONG ModuleListId = 1;
-constexpr ULONG GetFlag = 0x1;
-constexpr ULONG GetTopologyFlags = 0x10000001;
 
 constexpr std::size_t VersionReplySize = 5;
 constexpr ULONG MaxReplySize = 256 * 1024;  // a run takes no larger one
-
-// What the described filter gives for a request that it does not know.
-constexpr HRESULT NotAnswered = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
-
-// A request as the driver reads it from its memory.
-struct Request {
-    KSPROPERTY property;
-    ULONG target;
-    ULONG reserved;
-    GUID selector;
-};
-static_assert(sizeof(Request) == 48);
-constexpr ULONG PinRequestSize = 32;
 
 struct Reply {
     Bytes data;
@@ -43,22 +24,13 @@ struct Reply {
     bool operator==(const Reply&) const = default;
 };
 
-std::string HexOf(const std::uint8_t* bytes, std::size_t size)
-{
-    constexpr char Digits[] = "0123456789abcdef";
-    std::string text;
-    for (std::size_t index = 0; index < size; ++index)
-        text += {Digits[bytes[index] >> 4], Digits[bytes[index] & 0xF]};
-    return text;
-}
-
 // One request of a filter; the arguments as such calls are recorded with.
 class KsQuestion {
 public:
     KsQuestion(const GUID& set, ULONG id, ULONG flags, ULONG target, const GUID* selector = nullptr)
-        : size_(selector == nullptr ? PinRequestSize : static_cast<ULONG>(sizeof(Request)))
+        : size_(selector == nullptr ? machine::PinRequestSize : static_cast<ULONG>(sizeof(FilterRequest)))
     {
-        Request request{};
+        FilterRequest request{};
         request.property.Set = set;
         request.property.Id = id;
         request.property.Flags = flags;
@@ -70,10 +42,9 @@ public:
 
     // None: the request fails.
     std::optional<Reply> Put(Answers& answers, const std::wstring& deviceId, IKsControl& control, ULONG room,
-                             HRESULT expected = NotAnswered)
+                             HRESULT expected = machine::FilterDoesNotKnow)
     {
-        const std::string arguments =
-            HexOf(bytes_, size_) + ", " + (room == 0 ? "no data" : "data") + " " + std::to_string(room);
+        const std::string arguments = machine::FilterRequestText(bytes_, size_, room != 0, room);
         Reply reply;
         const bool answered =
             answers.Put({"IKsControl::KsProperty", deviceId, arguments, expected}, reply, [&](Reply& given) {
@@ -85,7 +56,7 @@ public:
     }
 
 private:
-    alignas(Request) std::uint8_t bytes_[sizeof(Request)] = {};
+    alignas(FilterRequest) std::uint8_t bytes_[sizeof(FilterRequest)] = {};
     ULONG size_;
 };
 
@@ -146,7 +117,8 @@ std::optional<ULONG> FilterReading::OffloadPin(const machine::PartAddress& conne
     const auto [found, isNew] = filter.nodes.try_emplace(nodeId);
     auto& node = found->second;
     if (isNew) {
-        KsQuestion question(AudioEngineSet, AudioEngineDescriptorId, GetTopologyFlags, nodeId);
+        KsQuestion question(machine::AudioEngineSet, machine::AudioEngineDescriptorId, machine::GetTopologyFlags,
+                            nodeId);
         ULONG descriptor[3] = {};
         if (const auto reply = question.Put(answers_, connector.deviceId, *filter.control.Get(), sizeof(descriptor))) {
             std::memcpy(descriptor, reply->data.data(), sizeof(descriptor));
@@ -158,7 +130,7 @@ std::optional<ULONG> FilterReading::OffloadPin(const machine::PartAddress& conne
 
 std::optional<machine::PpApiPin> FilterReading::ReadPin(const std::wstring& deviceId, IKsControl& control, ULONG pinId)
 {
-    KsQuestion question(PpApiSet, VersionTestId, GetFlag, pinId);
+    KsQuestion question(machine::PpApiSet, machine::VersionTestId, machine::GetFlag, pinId);
     const auto reply = question.Put(answers_, deviceId, control, VersionReplySize);
     if (!reply)
         return std::nullopt;
@@ -175,7 +147,8 @@ std::optional<machine::PpApiPin> FilterReading::ReadPin(const std::wstring& devi
 // What a run sees of the reply comes out the same.
 void FilterReading::ReadModuleList(const std::wstring& deviceId, IKsControl& control, machine::PpApiPin& pin)
 {
-    KsQuestion question(PpApiSet, ModuleListId, GetFlag, pin.pinId, &ModuleListSelector);
+    KsQuestion question(machine::PpApiSet, machine::ModuleListId, machine::GetFlag, pin.pinId,
+                        &machine::ModuleListSelector);
     const auto size = question.Put(answers_, deviceId, control, 0);
     if (!size)
         return;

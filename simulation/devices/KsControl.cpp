@@ -1,5 +1,6 @@
 #include "simulation/devices/KsControl.h"
 
+#include "machine/FilterRequest.h"
 #include "machine/Utf16.h"
 
 #include <algorithm>
@@ -9,38 +10,7 @@ namespace simulation {
 
 namespace {
 
-constexpr GUID AudioEngineSet{0x3a2f82dc, 0x886f, 0x4baa, {0x9e, 0xb4, 0x08, 0x2b, 0x90, 0x25, 0xc5, 0x36}};
-constexpr GUID PpApiSet{0xbae9ce37, 0xaa99, 0x4bc7, {0x9b, 0xdf, 0x4c, 0xbf, 0x3d, 0x23, 0xe1, 0xb9}};
-constexpr GUID ModuleListSelector{0xc18e2f7e, 0x933d, 0x4965, {0xb7, 0xd1, 0x1e, 0xef, 0x22, 0x8d, 0x2a, 0xf3}};
-
-constexpr ULONG AudioEngineDescriptorId = 6;
-constexpr ULONG VersionTestId = 0;
-constexpr ULONG ModuleListId = 1;
-constexpr ULONG GetFlag = 0x1;
-constexpr ULONG GetTopologyFlags = 0x10000001;
-
-constexpr HRESULT NotAnswered = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
-
-// A request as the driver reads it from its memory.
-struct Request {
-    KSPROPERTY property;
-    ULONG target;
-    ULONG reserved;
-    GUID selector;
-};
-static_assert(sizeof(Request) == 48);
-constexpr ULONG PinRequestSize = 32;
-
-std::string HexOf(const void* data, std::size_t size)
-{
-    constexpr char Digits[] = "0123456789abcdef";
-    std::string text;
-    for (const auto* byte = static_cast<const std::uint8_t*>(data); size-- > 0; ++byte) {
-        text += Digits[*byte >> 4];
-        text += Digits[*byte & 0xF];
-    }
-    return text;
-}
+using machine::FilterRequest;
 
 class KsControl final : public ComObject<IKsControl> {
 public:
@@ -53,10 +23,9 @@ public:
     HRESULT STDMETHODCALLTYPE KsProperty(PKSPROPERTY property, ULONG propertyLength, void* data, ULONG dataLength,
                                          ULONG* bytesReturned) override
     {
-        const std::string arguments = HexOf(property, propertyLength) + ", " + (data == nullptr ? "no data" : "data") +
-                                      " " + std::to_string(dataLength);
+        const std::string arguments = machine::FilterRequestText(property, propertyLength, data != nullptr, dataLength);
         return Recorded("IKsControl::KsProperty", object_, arguments, [&] {
-            Request request{};
+            FilterRequest request{};
             std::memcpy(&request, property, std::min<std::size_t>(propertyLength, sizeof(request)));
             const HRESULT result =
                 Answer(request, propertyLength, {static_cast<std::uint8_t*>(data), dataLength, *bytesReturned});
@@ -84,26 +53,28 @@ private:
         }
     };
 
-    HRESULT Answer(const Request& request, ULONG length, const Reply& reply) const
+    HRESULT Answer(const FilterRequest& request, ULONG length, const Reply& reply) const
     {
         const KSPROPERTY& property = request.property;
-        if (length < PinRequestSize)
-            return NotAnswered;
-        if (IsEqualGUID(property.Set, AudioEngineSet)) {
-            const bool known = property.Id == AudioEngineDescriptorId && property.Flags == GetTopologyFlags;
-            return known ? AnswerDescriptor(request.target, reply) : NotAnswered;
+        if (length < machine::PinRequestSize)
+            return machine::FilterDoesNotKnow;
+        if (IsEqualGUID(property.Set, machine::AudioEngineSet)) {
+            const bool known =
+                property.Id == machine::AudioEngineDescriptorId && property.Flags == machine::GetTopologyFlags;
+            return known ? AnswerDescriptor(request.target, reply) : machine::FilterDoesNotKnow;
         }
         const auto pin =
             std::find_if(filter_.pins.begin(), filter_.pins.end(),
                          [&](const machine::PpApiPin& candidate) { return candidate.pinId == request.target; });
-        if (!IsEqualGUID(property.Set, PpApiSet) || property.Flags != GetFlag || pin == filter_.pins.end())
-            return NotAnswered;
-        if (property.Id == VersionTestId && length == PinRequestSize)
+        if (!IsEqualGUID(property.Set, machine::PpApiSet) || property.Flags != machine::GetFlag ||
+            pin == filter_.pins.end())
+            return machine::FilterDoesNotKnow;
+        if (property.Id == machine::VersionTestId && length == machine::PinRequestSize)
             return reply.Give(pin->version.data(), pin->version.size());
-        if (property.Id == ModuleListId && length == sizeof(Request) &&
-            IsEqualGUID(request.selector, ModuleListSelector) && pin->reply)
+        if (property.Id == machine::ModuleListId && length == sizeof(FilterRequest) &&
+            IsEqualGUID(request.selector, machine::ModuleListSelector) && pin->reply)
             return AnswerModuleList(*pin, reply);
-        return NotAnswered;
+        return machine::FilterDoesNotKnow;
     }
 
     HRESULT AnswerDescriptor(ULONG nodeId, const Reply& reply) const
@@ -114,7 +85,7 @@ private:
             const ULONG descriptor[] = {node.hostPin, node.offloadPin, node.loopbackPin};
             return reply.Give(descriptor, sizeof(descriptor));
         }
-        return NotAnswered;
+        return machine::FilterDoesNotKnow;
     }
 
     static HRESULT AnswerModuleList(const machine::PpApiPin& pin, const Reply& reply)
