@@ -1,101 +1,15 @@
 // What the firmware walk asks of the driver, byte for byte, and what a hostile driver or topology cannot do to it.
-#include "fwdiscovery/FwDiscovery.h"
+#include "FirmwareMachines.h"
 #include "fwdiscovery/PartsWalk.h"
-#include "simulation/SimulatedMachine.h"
-#include "support/ComApartment.h"
-#include "support/Failures.h"
-#include "support/RecordingLogger.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <numeric>
 
 namespace {
 
 using machine::Bytes;
-using machine::PartDescription;
-using machine::SelectorKind;
-
-constexpr GUID Spatialf{0x7C708106, 0x3AFF, 0x40FE, {0x88, 0xBE, 0x8C, 0x99, 0x9B, 0x3F, 0x74, 0x45}};
-constexpr wchar_t Adapter[] = L"adapter";
-
-PartDescription Subunit(UINT id, const std::vector<UINT>& neighbours, SelectorKind selector = SelectorKind::None)
-{
-    return {id, {}, {}, neighbours, neighbours, selector};
-}
-
-PartDescription ConnectorPart(UINT id, ConnectorType type, const std::vector<UINT>& neighbours = {})
-{
-    PartDescription part = Subunit(id, neighbours);
-    part.connectorType = type;
-    return part;
-}
-
-// One endpoint whose connector leads to part 0x10001 of an adapter; the filter answers on pin 5.
-machine::MachineDescription Machine(EDataFlow flow, std::vector<PartDescription> parts)
-{
-    machine::MachineDescription machine;
-    machine::Endpoint endpoint;
-    endpoint.guid = {1, 2, 3, {4}};
-    endpoint.flow = flow;
-    endpoint.deviceId = L"endpoint";
-    endpoint.guidPropertyText = machine::UpperGuidText(endpoint.guid);
-    endpoint.topology.parts.front().connectedTo = machine::PartAddress{Adapter, 0x10001};
-    machine.endpoints = {endpoint};
-    machine::AdapterDevice adapter{Adapter, {std::move(parts), {}}, machine::FilterDescription{}};
-    adapter.filter->audioEngineNodes = {{0x2, 4, 5, 6}};
-    adapter.filter->pins = {{5, {1}, machine::ModuleListReply({{1, Spatialf}}), {}, {}}};
-    machine.devices = {adapter};
-    return machine;
-}
-
-std::vector<PartDescription> StraightPath(UINT end = 0x10002)
-{
-    return {ConnectorPart(0x10001, Physical_Internal, {0x20007}), Subunit(0x20007, {end}, SelectorKind::Input),
-            ConnectorPart(end, Software_IO)};
-}
-
-// A capture endpoint whose walk ends at the first of these software pins and finds the way to the others.
-machine::MachineDescription ScannedMachine(const std::vector<UINT>& softwarePins)
-{
-    std::vector<PartDescription> parts = {ConnectorPart(0x10001, Physical_Internal, {softwarePins.front()})};
-    for (const UINT id : softwarePins)
-        parts.push_back(ConnectorPart(id, Software_IO));
-    machine::MachineDescription machine = Machine(eCapture, parts);
-    for (const UINT id : softwarePins)
-        machine.devices[0].topology.signalPaths.emplace_back(softwarePins.front(), id);
-    machine.devices[0].filter->pins.clear();
-    return machine;
-}
-
-struct FwRun {
-    explicit FwRun(const machine::MachineDescription& description) : machine(description)
-    {
-        message = MessageOf([&] { modules = qov::AudioModulesUtils::DiscoverFwModules(logger); });
-    }
-
-    [[nodiscard]] std::vector<std::string> Arguments(std::string_view call) const
-    {
-        std::vector<std::string> arguments;
-        for (const simulation::CallRecord& record : machine.Calls())
-            if (record.call == call)
-                arguments.push_back(record.arguments);
-        return arguments;
-    }
-    [[nodiscard]] bool Logged(const std::wstring& text) const
-    {
-        const auto texts = logger.Texts();
-        return std::find(texts.begin(), texts.end(), text) != texts.end();
-    }
-
-    ComApartment apartment;
-    simulation::SimulatedMachine machine;
-    RecordingLogger logger;
-    qov::ModuleList modules;
-    std::string message;
-};
 
 TEST(FwDiscovery, AsksTheFiltersOffloadPinByteForByte)
 {
@@ -218,7 +132,7 @@ std::vector<PartDescription> BranchingRing(UINT size)
     std::iota(all.begin(), all.end(), 0x20000);
     std::vector<PartDescription> parts = {ConnectorPart(0x10001, Physical_Internal, all)};
     for (const UINT id : all)
-        parts.push_back(Subunit(id, all));
+        parts.push_back(SubunitPart(id, all));
     return parts;
 }
 
@@ -229,7 +143,7 @@ TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
     connectorRing[1].connectedTo = machine::PartAddress{Adapter, 0x10001};
     std::vector<PartDescription> chain = {ConnectorPart(0x10001, Physical_Internal, {0})};
     for (UINT id = 0; id < qov::MaxWalkDepth; ++id)
-        chain.push_back(Subunit(id, {id + 1}));
+        chain.push_back(SubunitPart(id, {id + 1}));
     chain.push_back(ConnectorPart(qov::MaxWalkDepth, Software_IO));
     const auto wide = std::vector<UINT>(100000, 0x2FFFF);
 
@@ -237,17 +151,17 @@ TEST(FwDiscovery, EndsOnTopologiesThatLeadBackToThemselves)
         const char* name;
         std::vector<PartDescription> parts;
     } rows[] = {
-        {"its own neighbour", {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20000})}},
+        {"its own neighbour", {ConnectorPart(0x10001, Physical_Internal, {0x20000}), SubunitPart(0x20000, {0x20000})}},
         {"its own neighbour before the way out",
-         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20000, 0x10002}),
+         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), SubunitPart(0x20000, {0x20000, 0x10002}),
           ConnectorPart(0x10002, Software_IO)}},
         {"two in a ring",
-         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), Subunit(0x20000, {0x20001}),
-          Subunit(0x20001, {0x20000}, SelectorKind::Output)}},
+         {ConnectorPart(0x10001, Physical_Internal, {0x20000}), SubunitPart(0x20000, {0x20001}),
+          SubunitPart(0x20001, {0x20000}, SelectorKind::Output)}},
         {"branching ring", BranchingRing(30)},
         {"connectors in a ring", connectorRing},
         {"a path too long to be one", chain},
-        {"a list without end", {ConnectorPart(0x10001, Physical_Internal, wide), Subunit(0x2FFFF, {})}},
+        {"a list without end", {ConnectorPart(0x10001, Physical_Internal, wide), SubunitPart(0x2FFFF, {})}},
     };
     for (const auto& row : rows) {
         for (const EDataFlow flow : {eRender, eCapture}) {
@@ -268,7 +182,7 @@ TEST(FwDiscovery, FailedCallsOfTheWalkEndWhatTheyMust)
     const auto straight = StraightPath();
     // A subunit that leads to a software pin, and beside it another software pin.
     const std::vector<PartDescription> forked = {ConnectorPart(0x10001, Physical_Internal, {0x20007, 0x10002}),
-                                                 Subunit(0x20007, {0x10003}), ConnectorPart(0x10002, Software_IO),
+                                                 SubunitPart(0x20007, {0x10003}), ConnectorPart(0x10002, Software_IO),
                                                  ConnectorPart(0x10003, Software_IO)};
     const struct {
         const char* call;
@@ -294,78 +208,6 @@ TEST(FwDiscovery, FailedCallsOfTheWalkEndWhatTheyMust)
         EXPECT_TRUE(run.Logged(row.logged));
         EXPECT_FALSE(run.Logged(L"Using pin id:3\nTesting PP API: comparing versions...")) << "no pin was missing";
     }
-}
-
-using Counts = std::map<std::string, std::size_t>;
-
-// Of the simulated objects: Windows' own functions are recorded over the stand-in alone.
-Counts CallsOf(const machine::MachineDescription& description)
-{
-    Counts counts;
-    const FwRun run(description);
-    for (const simulation::CallRecord& call : run.machine.Calls())
-        if (!machine::FindPlatformCall(call.call)->IsFunction())
-            ++counts[call.call];
-    return counts;
-}
-
-Counts Sum(Counts counts, const Counts& more, std::size_t times)
-{
-    for (const auto& [call, count] : more)
-        counts[call] += count * times;
-    return counts;
-}
-
-TEST(FwDiscovery, AsksEveryEndpointAndPinTheSame)
-{
-    const Counts once{{"IMMDeviceEnumerator::EnumAudioEndpoints", 1}, {"IMMDeviceCollection::GetCount", 1}};
-    // A way of one hop over one selector to a filter with two connectors, whose offload pin lists its modules.
-    const Counts endpoint{{"IMMDeviceCollection::Item", 1},
-                          {"IMMDevice::GetId", 1},
-                          {"IMMDevice::OpenPropertyStore", 1},
-                          {"IPropertyStore::GetValue", 1},
-                          {"IMMDevice::QueryInterface", 1},
-                          {"IMMEndpoint::GetDataFlow", 1},
-                          {"IMMDevice::Activate", 3},
-                          {"IDeviceTopology::GetConnector", 3},
-                          {"IConnector::IsConnected", 2},
-                          {"IConnector::GetType", 3},
-                          {"IConnector::GetConnectorIdConnectedTo", 1},
-                          {"IConnector::GetDeviceIdConnectedTo", 1},
-                          {"IConnector::GetConnectedTo", 1},
-                          {"IConnector::QueryInterface", 3},
-                          {"IPart::QueryInterface", 1},
-                          {"IPart::EnumPartsIncoming", 2},
-                          {"IPartsList::GetCount", 2},
-                          {"IPartsList::GetPart", 2},
-                          {"IPart::GetPartType", 2},
-                          {"IPart::Activate", 1},
-                          {"IPart::GetLocalId", 2},
-                          {"IAudioInputSelector::SetSelection", 1},
-                          {"IPart::GetTopologyObject", 2},
-                          {"IDeviceTopology::GetConnectorCount", 1},
-                          {"IDeviceTopology::GetDeviceId", 2},
-                          {"IMMDeviceEnumerator::GetDevice", 2},
-                          {"IKsControl::KsProperty", 4}};
-    for (const std::size_t count : {1U, 2U, 256U}) {
-        machine::MachineDescription machine = Machine(eRender, StraightPath());
-        machine.endpoints.resize(count, machine.endpoints.front());
-        for (std::size_t index = 0; index < count; ++index)
-            machine.endpoints[index].deviceId += std::to_wstring(index);
-        EXPECT_EQ(CallsOf(machine), Sum(once, endpoint, count)) << count;
-    }
-
-    // A software pin that does not answer.
-    const Counts pin{
-        {"IDeviceTopology::GetConnector", 1},  {"IConnector::GetType", 1}, {"IConnector::QueryInterface", 1},
-        {"IDeviceTopology::GetSignalPath", 1}, {"IPart::GetLocalId", 1},   {"IKsControl::KsProperty", 1}};
-    const auto withPins = [](UINT count) {
-        std::vector<UINT> pins(count);
-        std::iota(pins.begin(), pins.end(), 0x10010);
-        return CallsOf(ScannedMachine(pins));
-    };
-    for (const UINT more : {1U, 255U})
-        EXPECT_EQ(withPins(1 + more), Sum(withPins(1), pin, more)) << more;
 }
 
 }  // namespace
