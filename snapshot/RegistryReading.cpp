@@ -108,6 +108,16 @@ std::vector<std::optional<std::wstring>> ReadEndpointKeys(EDataFlow flow, Answer
     return names;
 }
 
+bool IsAskedByARun(const std::wstring& valueName)
+{
+    static const ValueNames asked = [] {
+        ValueNames names(std::begin(AskedProperties), std::end(AskedProperties));
+        names.insert(std::begin(AskedFxProperties), std::end(AskedFxProperties));
+        return names;
+    }();
+    return asked.contains(valueName);
+}
+
 std::optional<std::vector<machine::RegistryValue>> ReadValues(const machine::Endpoint& endpoint,
                                                               const std::wstring& name, Answers& answers)
 {

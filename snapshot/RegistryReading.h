@@ -17,4 +17,7 @@ std::vector<std::optional<std::wstring>> ReadEndpointKeys(EDataFlow flow, Answer
 std::optional<std::vector<machine::RegistryValue>> ReadValues(const machine::Endpoint& endpoint,
                                                               const std::wstring& name, Answers& answers);
 
+// Whether a run reads the values of this name.
+bool IsAskedByARun(const std::wstring& valueName);
+
 }  // namespace snapshot

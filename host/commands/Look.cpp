@@ -8,8 +8,10 @@
 #include "rehearsal/TemporaryFolder.h"
 #include "simulation/UnusableMachine.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <system_error>
 
 namespace host {
 
@@ -82,10 +84,23 @@ ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(cons
                       });
 }
 
-ExitCode RefusedOutput(const CommonOptions& options, const std::string& path)
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path, std::string_view beginning)
 {
-    const std::string_view use = path.empty() ? "" : UseOf(path, options, "");
-    return use.empty() ? Done : TellWrongUsage("--output: " + Harmless(path) + " " + std::string(use));
+    if (path.empty())
+        return Done;
+    const std::string_view use = UseOf(path, options, "");
+    if (!use.empty())
+        return TellWrongUsage("--output: " + Harmless(path) + " " + std::string(use));
+    std::error_code unknown;
+    if (std::filesystem::is_regular_file(path, unknown)) {
+        std::string start(beginning.size(), '\0');
+        std::ifstream file(path, std::ios::binary);
+        file.read(start.data(), static_cast<std::streamsize>(start.size()));
+        if (file.gcount() > 0 && start != beginning)
+            return TellWrongUsage("--output: " + Harmless(path) +
+                                  " is there already and is no such result: name another file");
+    }
+    return Done;
 }
 
 ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console)

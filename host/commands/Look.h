@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -38,8 +39,9 @@ bool NamesFiles(const CommonOptions& options);
 
 ExitCode RunLook(const CommonOptions& options, const std::function<ExitCode(const Look&, const Console&)>& body);
 
-// Tells wrong usage when the result would be written over what the command reads; else Done.
-ExitCode RefusedOutput(const CommonOptions& options, const std::string& path);
+// Tells wrong usage when the result would be written over what the command reads, or over a file that does not begin as
+// such results do; else Done.
+ExitCode RefusedOutput(const CommonOptions& options, const std::string& path, std::string_view beginning);
 
 // Writes a result to the file, or to standard output when the path is empty; tells when it cannot.
 ExitCode WriteResult(const std::string& path, const std::string& text, const Console& console);

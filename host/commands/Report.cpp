@@ -8,7 +8,7 @@ namespace host {
 
 ExitCode RunReport(const ReportOptions& options)
 {
-    if (const ExitCode code = RefusedOutput(options, options.output); code != Done)
+    if (const ExitCode code = RefusedOutput(options, options.output, "<!DOCTYPE html>"); code != Done)
         return code;
     return RunLook(options, [&options](const Look& look, const Console& console) {
         const PageFacts facts{"qovxml-configure " QOVXML_VERSION, SystemName(), look.machineName, Now(),

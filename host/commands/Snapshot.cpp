@@ -26,7 +26,7 @@ machine::MachineDescription Take(const ChosenMachine& machine)
 
 ExitCode RunSnapshot(const SnapshotOptions& options)
 {
-    if (const ExitCode code = RefusedOutput(options, options.output); code != Done)
+    if (const ExitCode code = RefusedOutput(options, options.output, "{"); code != Done)
         return code;
     return RunCommand(options, "", MachineNeed::Own,
                       [&options](const ChosenMachine& machine, const Console& console, LogFile&) {
