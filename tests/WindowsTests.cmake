@@ -41,5 +41,5 @@ add_test(NAME dll COMMAND ${CMAKE_COMMAND}
 
 # Wine's own audio devices, with nothing simulated.
 add_test(NAME wine-audio COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/wine-audio-test $<TARGET_FILE:qovxml-configure>
-  ${PROJECT_SOURCE_DIR}/examples/xml ${PROJECT_BINARY_DIR}/wine-audio)
+  ${PROJECT_SOURCE_DIR}/examples/xml ${PROJECT_BINARY_DIR}/wine-audio ${PROJECT_SOURCE_DIR}/build/native/qovxml-configure)
 set_tests_properties(wine-audio PROPERTIES LABELS wine-audio)
