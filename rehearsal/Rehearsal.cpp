@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace rehearsal {
@@ -82,10 +84,14 @@ public:
         return files;
     }
 
-    void ReadBack(std::array<FileOutcome, 3>& files) const
+    // Each copy goes once it is read: its room in memory is the next one's.
+    void TakeBack(std::array<FileOutcome, 3>& files) const
     {
-        for (std::size_t index = 0; index < pairs_.size(); ++index)
+        for (std::size_t index = 0; index < pairs_.size(); ++index) {
+            std::error_code ignored;
             files[index].after = ReadFile(pairs_[index].second);
+            std::filesystem::remove(pairs_[index].second, ignored);
+        }
     }
 
     [[nodiscard]] QovXml::Config Paths() const { return {pairs_[0].second, pairs_[1].second, pairs_[2].second}; }
@@ -157,7 +163,7 @@ Outcome Run(Contents files, const simulation::SimulatedMachine* machine)
         outcome.failure = copies.WithOriginals(std::string(failure.what()));
     }
     outcome.events = logger.TakeEvents();
-    copies.ReadBack(outcome.files);
+    copies.TakeBack(outcome.files);
     return outcome;
 }
 
