@@ -145,8 +145,6 @@ bool NewFile::RenameToFree(const std::string& target)
     else
         renamed_ = result == 0;
     Check(result == 0 || errno == EEXIST);
-    // Nobody reads it soon: its room in memory is for what is written next.
-    ::posix_fadvise(AsDescriptor(handle_), 0, 0, POSIX_FADV_DONTNEED);
     return result == 0;
 }
 
