@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <fstream>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace rehearsal {
@@ -34,6 +37,16 @@ std::optional<std::string> ReadFile(const std::string& path)
     size += static_cast<std::size_t>(file.gcount());
     bytes.resize(size);
     return file.bad() ? std::nullopt : std::optional(std::move(bytes));
+}
+
+bool WriteFile(const std::string& path, std::string_view bytes)
+{
+    // For more at once the system takes memory in large pieces, which it seldom has at hand.
+    constexpr std::size_t Most = 0x40000;
+    std::ofstream file(path, std::ios::binary);
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(Most, bytes.size())))
+        file << bytes.substr(0, Most);
+    return bool(file << std::flush);
 }
 
 template <class Text>
@@ -74,18 +87,20 @@ public:
             files[index] = {original, std::move(originals[index].bytes), {}};
             if (!files[index].before)
                 continue;
-            std::ofstream file(copy, std::ios::binary);
-            file << *files[index].before << std::flush;
-            if (!file)
+            if (!WriteFile(copy, *files[index].before))
                 throw NoCopies("The copy " + copy + " of " + original + " cannot be written");
         }
         return files;
     }
 
-    void ReadBack(std::array<FileOutcome, 3>& files) const
+    // Each copy goes once it is read, so that its room in memory is the next one's.
+    void TakeBack(std::array<FileOutcome, 3>& files) const
     {
-        for (std::size_t index = 0; index < pairs_.size(); ++index)
+        for (std::size_t index = 0; index < pairs_.size(); ++index) {
+            std::error_code ignored;
             files[index].after = ReadFile(pairs_[index].second);
+            std::filesystem::remove(pairs_[index].second, ignored);
+        }
     }
 
     [[nodiscard]] QovXml::Config Paths() const { return {pairs_[0].second, pairs_[1].second, pairs_[2].second}; }
@@ -157,7 +172,7 @@ Outcome Run(Contents files, const simulation::SimulatedMachine* machine)
         outcome.failure = copies.WithOriginals(std::string(failure.what()));
     }
     outcome.events = logger.TakeEvents();
-    copies.ReadBack(outcome.files);
+    copies.TakeBack(outcome.files);
     return outcome;
 }
 

@@ -131,22 +131,24 @@ std::vector<std::string> FileSession::Notices() const { return parts_->notices; 
 
 void FileSession::Parts::Place(std::vector<Placement>& placements, const std::optional<std::string>& backupSuffix)
 {
-    for (const Placement& placement : placements)
-        placement.CheckUnchanged();
-    for (Placement& placement : placements) {
-        ThrowIfInterrupted();
-        if (backupSuffix)
-            placement.MakeBackup(*backupSuffix);
+    const auto each = [&placements](const auto& step) {
+        for (Placement& placement : placements) {
+            ThrowIfInterrupted();
+            step(placement);
+        }
+    };
+    each([](const Placement& placement) { placement.CheckUnchanged(); });
+    if (backupSuffix) {
+        each([](Placement& placement) { placement.WriteBackup(); });
+        each([&](Placement& placement) { placement.FinishBackup(*backupSuffix); });
+        each([](const Placement& placement) { placement.FlushBackup(); });
     }
-    for (Placement& placement : placements) {
-        ThrowIfInterrupted();
-        placement.Prepare();
-    }
-    for (Placement& placement : placements) {
-        ThrowIfInterrupted();
-        placement.Commit(locks);
-    }
+    each([](Placement& placement) { placement.Prepare(); });
+    each([](const Placement& placement) { placement.Flush(); });
+    each([this](Placement& placement) { placement.Commit(locks); });
     // All files are in place: an interruption undoes nothing from here on.
+    for (const Placement& placement : placements)
+        placement.CheckCommitted();
     for (Placement& placement : placements)
         placement.Finish();
 }

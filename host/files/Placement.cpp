@@ -4,6 +4,8 @@
 #include "host/files/Leftovers.h"
 #include "host/files/Messages.h"
 
+#include <utility>
+
 namespace host {
 
 namespace {
@@ -12,14 +14,13 @@ using messages::Line;
 using messages::Telling;
 using platform::NewFile;
 
-// A whole and flushed file with the attributes of the original; none: it would lack some.
+// A whole file with the attributes of the original, yet to be flushed; none: it would lack some.
 std::unique_ptr<NewFile> MakeAlike(const std::string& path, const std::string& bytes, const std::string& original)
 {
     auto file = std::make_unique<NewFile>(path, original);
     file->Write(bytes);
     if (!file->TakeAttributes())
         return nullptr;
-    file->Flush();
     return file;
 }
 
@@ -39,20 +40,32 @@ void Placement::CheckHolds(const std::string& bytes) const
         throw FileProblem(Line(file_.path, messages::NotAsWritten));
 }
 
-void Placement::MakeBackup(const std::string& suffix)
+void Placement::WriteBackup()
+{
+    Telling(file_.path, messages::BackupFailed, [&] {
+        unfinishedBackup_ = MakeAlike(UnfinishedBackupName(file_.path), change_.before, file_.real);
+        if (!unfinishedBackup_)
+            throw FileProblem(Line(file_.path, messages::BackupNotAlike));
+    });
+}
+
+void Placement::FinishBackup(const std::string& suffix)
 {
     const std::string backup = file_.path + suffix;
     Telling(file_.path, messages::BackupFailed, [&] {
-        const auto unfinished = MakeAlike(UnfinishedBackupName(file_.path), change_.before, file_.real);
-        if (!unfinished)
-            throw FileProblem(Line(file_.path, messages::BackupNotAlike));
+        const auto unfinished = std::move(unfinishedBackup_);
+        unfinished->Flush();
         if (!Holds(unfinished->Path(), change_.before))
             throw FileProblem(Line(unfinished->Path(), messages::NotAsWritten));
         if (!unfinished->RenameToFree(backup))
             throw FileProblem(Line(backup, messages::BackupExists));
         backup_ = backup;
     });
-    Telling(file_.path, messages::BackupFailed, [&] { platform::FlushFolder(backup); });
+}
+
+void Placement::FlushBackup() const
+{
+    Telling(file_.path, messages::BackupFailed, [&] { platform::FlushFolder(backup_.value()); });
 }
 
 void Placement::Prepare()
@@ -81,6 +94,12 @@ void Placement::MakeCopy()
     platform::FlushFolder(path);
 }
 
+void Placement::Flush() const
+{
+    if (replacement_)
+        Telling(file_.path, messages::NotPlaced, [&] { replacement_->Flush(); });
+}
+
 void Placement::Commit(std::vector<platform::FileLock>& locks)
 {
     CheckUnchanged();
@@ -88,11 +107,18 @@ void Placement::Commit(std::vector<platform::FileLock>& locks)
         if (replacement_) {
             locks.push_back(replacement_->RenameOver(file_.real));
             started_ = true;
-            platform::FlushFolder(file_.real);
         } else {
             started_ = true;
             platform::Rewrite(file_.real, change_.after);
         }
+    });
+}
+
+void Placement::CheckCommitted() const
+{
+    Telling(file_.path, messages::NotPlaced, [&] {
+        if (replacement_)
+            platform::FlushFolder(file_.real);
         CheckHolds(change_.after);
     });
 }
@@ -111,6 +137,7 @@ void Placement::Finish()
 std::vector<std::string> Placement::Undo(std::vector<platform::FileLock>& locks)
 {
     std::vector<std::string> lines;
+    unfinishedBackup_.reset();
     try {
         Telling(file_.path, messages::NotPutBack, [&] { PutBack(locks); });
     } catch (const FileProblem& problem) {
@@ -136,10 +163,12 @@ void Placement::PutBack(std::vector<platform::FileLock>& locks)
     replacement_.reset();
     if (started_) {
         const auto old = replaced ? MakeAlike(NewName(file_.real), change_.before, file_.real) : nullptr;
-        if (old)
+        if (old) {
+            old->Flush();
             locks.push_back(old->RenameOver(file_.real));
-        else
+        } else {
             platform::Rewrite(file_.real, change_.before);
+        }
         platform::FlushFolder(file_.real);
         CheckHolds(change_.before);
     }

@@ -13,7 +13,7 @@
 namespace host {
 
 // The steps are asked for in this order, each of all files before the next; they throw FileProblem, after which Undo is
-// asked for.
+// asked for. What is written is on its way to the disk while the next file is; only then is it waited for.
 //
 // The new bytes go to a file of their own that takes the place of the old one. Where that would lose something (another
 // name, an owner that cannot be given, part of an ACL) the file is rewritten, with a whole copy beside it meanwhile.
@@ -23,10 +23,14 @@ public:
     Placement(const FileChange& change, const GivenFile& file) : change_(change), file_(file) {}
 
     void CheckUnchanged() const;
-    void MakeBackup(const std::string& suffix);
+    void WriteBackup();
+    void FinishBackup(const std::string& suffix);
+    void FlushBackup() const;
     void Prepare();
+    void Flush() const;
     // A file that takes the place of another is locked from before; the lock is added.
     void Commit(std::vector<platform::FileLock>& locks);
+    void CheckCommitted() const;
     // Removes what was needed to go back.
     void Finish();
     // Gives a line for everything that could not be undone.
@@ -42,6 +46,7 @@ private:
     const FileChange& change_;
     const GivenFile& file_;
     std::optional<std::string> backup_;
+    std::unique_ptr<platform::NewFile> unfinishedBackup_;
     std::unique_ptr<platform::NewFile> replacement_;
     bool copied_ = false;   // the whole copy is beside the file
     bool started_ = false;  // the file may no longer hold its old bytes

@@ -1,3 +1,4 @@
+#include "host/review/EachFile.h"
 #include "host/review/Report.h"
 #include "host/review/UnifiedDiff.h"
 
@@ -5,16 +6,16 @@ namespace host {
 
 std::vector<FileReport> FileReports(const rehearsal::Outcome& outcome)
 {
-    std::vector<FileReport> reports;
-    for (const rehearsal::FileOutcome& file : outcome.files) {
+    const auto reports = OfEachFile([&outcome](std::size_t index) {
+        const rehearsal::FileOutcome& file = outcome.files[index];
         FileReport report{file.path, false, {}, {}};
         if (!outcome.failure && file.before && file.after && *file.before != *file.after) {
             report.changed = true;
             report.lines = LineChanges(*file.before, *file.after);
         }
-        reports.push_back(std::move(report));
-    }
-    return reports;
+        return report;
+    });
+    return {reports.begin(), reports.end()};
 }
 
 std::string Diff(const rehearsal::Outcome& outcome)

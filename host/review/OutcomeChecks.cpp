@@ -1,6 +1,7 @@
 #include "host/review/OutcomeChecks.h"
 
 #include "host/review/Advice.h"
+#include "host/review/EachFile.h"
 #include "host/review/Lines.h"
 #include "host/review/ShownText.h"
 #include "host/review/WellFormed.h"
@@ -150,14 +151,15 @@ std::optional<std::string> FileProblemOf(const FileOutcome& file, const std::vec
 
 std::optional<std::string> OutcomeProblem(const rehearsal::Outcome& outcome, const Findings& findings)
 {
-    for (std::size_t index = 0; index < outcome.files.size(); ++index) {
+    const auto problems = OfEachFile([&](std::size_t index) {
         std::vector<ValueSet> values;
         std::copy_if(findings.values.begin(), findings.values.end(), std::back_inserter(values),
                      [index](const ValueSet& value) { return value.file == index; });
-        if (auto problem = FileProblemOf(outcome.files[index], values))
-            return problem;
-    }
-    return std::nullopt;
+        return FileProblemOf(outcome.files[index], values);
+    });
+    const auto found =
+        std::find_if(problems.begin(), problems.end(), [](const auto& problem) { return problem.has_value(); });
+    return found == problems.end() ? std::nullopt : *found;
 }
 
 std::string FailureText(const rehearsal::Outcome& outcome, const Findings& findings)

@@ -1,5 +1,6 @@
 #include "host/review/Warnings.h"
 
+#include "host/review/EachFile.h"
 #include "host/review/LineChanges.h"
 #include "host/review/ShownText.h"
 #include "host/review/WellFormed.h"
@@ -66,14 +67,16 @@ void WarnOfMachine(std::vector<std::string>& warnings, const Findings& findings)
         warnings.push_back(Fill(NewerGeneration, {}));
 }
 
-void WarnOfFile(std::vector<std::string>& warnings, const rehearsal::FileOutcome& file)
+std::vector<std::string> WarningsOfFile(const rehearsal::FileOutcome& file)
 {
+    std::vector<std::string> warnings;
     if (!file.before)
-        return;
+        return warnings;
     if (const auto fault = WellFormedFault(*file.before))
         warnings.push_back(Fill(NotWellFormed, file.path, {}, *fault));
     if (file.after && *file.after != *file.before && HasBareLineFeed(*file.before))
         warnings.push_back(Fill(LineEnds, file.path));
+    return warnings;
 }
 
 }  // namespace
@@ -88,9 +91,10 @@ std::vector<std::string> Warnings(const rehearsal::Outcome& outcome, const Findi
         if (!block.present)
             warnings.push_back(Fill(block.file == SettingsFile ? DomainMissing : SectionMissing,
                                     outcome.files[block.file].path, block.name));
-    for (std::size_t index = 0; index < outcome.files.size(); ++index)
-        if (findings.filesRead[index])
-            WarnOfFile(warnings, outcome.files[index]);
+    for (const std::vector<std::string>& ofFile : OfEachFile([&](std::size_t index) {
+             return findings.filesRead[index] ? WarningsOfFile(outcome.files[index]) : std::vector<std::string>();
+         }))
+        warnings.insert(warnings.end(), ofFile.begin(), ofFile.end());
     return warnings;
 }
 

@@ -1,5 +1,6 @@
 #include "host/files/standin/Handle.h"
 
+#include <algorithm>
 #include <system_error>
 
 namespace host::platform {
@@ -8,9 +9,11 @@ void ThrowLastError() { throw SystemFailure(std::generic_category().message(errn
 
 void WriteAll(int descriptor, const std::string& bytes)
 {
+    // For more at once the system takes memory in large pieces, which it seldom has at hand.
+    constexpr std::size_t Most = 0x40000;
     for (std::size_t written = 0; written < bytes.size();) {
-        const ssize_t count =
-            ::pwrite(descriptor, bytes.data() + written, bytes.size() - written, static_cast<off_t>(written));
+        const ssize_t count = ::pwrite(descriptor, bytes.data() + written, std::min(bytes.size() - written, Most),
+                                       static_cast<off_t>(written));
         if (count < 0 && errno == EINTR)
             continue;
         Check(count >= 0);

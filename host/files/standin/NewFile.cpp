@@ -104,7 +104,12 @@ NewFile::~NewFile()
 
 void NewFile::Close() { const Descriptor closed(AsDescriptor(std::exchange(handle_, -1))); }
 
-void NewFile::Write(const std::string& bytes) const { WriteAll(AsDescriptor(handle_), bytes); }
+void NewFile::Write(const std::string& bytes) const
+{
+    WriteAll(AsDescriptor(handle_), bytes);
+    // Starts only; Flush waits, and tells what fails.
+    ::sync_file_range(AsDescriptor(handle_), 0, 0, SYNC_FILE_RANGE_WRITE);
+}
 
 bool NewFile::TakeAttributes()
 {
