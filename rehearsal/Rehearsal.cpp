@@ -27,12 +27,10 @@ std::optional<std::string> ReadFile(const std::string& path)
     std::size_t size = 0;
     while (file.read(bytes.data() + size, static_cast<std::streamsize>(bytes.size() - size))) {
         size = bytes.size();
-        file.seekg(0, std::ios::end);
-        const auto end = static_cast<std::size_t>(std::max<std::streamoff>(file.tellg(), 0));
-        file.clear();
-        file.seekg(static_cast<std::streamoff>(size));
-        // One more than it should hold, to meet its end.
-        bytes.resize(std::max(2 * size, end + 1));
+        // One more than it should hold, to meet its end. A pipe tells no size.
+        std::error_code unknown;
+        const std::uintmax_t whole = std::filesystem::file_size(path, unknown);
+        bytes.resize(std::max(2 * size, unknown ? 0 : static_cast<std::size_t>(whole) + 1));
     }
     size += static_cast<std::size_t>(file.gcount());
     bytes.resize(size);
