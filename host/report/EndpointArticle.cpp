@@ -66,7 +66,7 @@ std::string Chain(const EndpointView& endpoint, const Walk& walk)
     for (const AskedPin& pin : walk.pins)
         boxes += PinBox(pin, endpoint);
     if (!walk.why.empty())
-        boxes += Box("Ended here", Text(walk.why), "", walk.toBlame ? "bad" : "warn");
+        boxes += Box("Ended here", Text(walk.why), "", walk.toBlame || walk.damaged ? "bad" : "warn");
     return Element("ol class=\"chain\"", "\n" + boxes) + "\n";
 }
 

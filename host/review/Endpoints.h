@@ -20,7 +20,7 @@ struct EndpointView {
     std::string name;
     std::string guid;  // in lower case
     std::string deviceId;
-    bool effectsKnown = false;         // the run came to its report of them; it looks at active endpoints alone
+    bool effectsKnown = false;         // the run came to them and told them; it looks at active endpoints alone
     std::vector<FoundModule> effects;  // in the slots, by slot
     std::vector<FoundModule> wrapped;
     std::vector<FoundModule> firmware;  // by pin
