@@ -94,6 +94,7 @@ EndpointView Read(const machine::Endpoint& endpoint, const std::vector<Walk>& wa
     const bool any = !view.effects.empty() || !view.wrapped.empty();
     view.effectsKnown =
         findings.modulesTold && endpoint.state == DEVICE_STATE_ACTIVE && (any || !ListingFailed(outcome, view));
+    view.firmwareKnown = findings.modulesTold;
     const auto walk = std::find_if(walks.begin(), walks.end(),
                                    [&view](const Walk& candidate) { return candidate.deviceId == view.deviceId; });
     if (walk == walks.end()) {
@@ -101,6 +102,8 @@ EndpointView Read(const machine::Endpoint& endpoint, const std::vector<Walk>& wa
         return view;
     }
     view.walk = *walk;
+    if (!findings.modulesTold && walk->why.empty())
+        view.walk->why = "the run ended before its modules were told";
     const std::string told = LowerCase(machine::Utf16ToUtf8(endpoint.guidPropertyText));
     for (FoundModule& module : Select(findings, told, "FW", "Not wrapped"))
         if (IsReportedBy(module, *walk))

@@ -23,6 +23,7 @@ struct EndpointView {
     bool effectsKnown = false;         // the run came to them and told them; it looks at active endpoints alone
     std::vector<FoundModule> effects;  // in the slots, by slot
     std::vector<FoundModule> wrapped;
+    bool firmwareKnown = false;         // likewise, those that are not active included
     std::vector<FoundModule> firmware;  // by pin
     std::optional<Walk> walk;           // none: the run did not come to it
     std::string why;                    // no firmware modules; empty: there are some
