@@ -24,13 +24,10 @@ CLI::Option* AddNamedFile(CLI::App& command, const char* name, std::string& path
 
 std::array<CLI::Option*, 3> AddFiles(CLI::App& command, QovXml::Config& files)
 {
-    const auto file = [&command](const char* name, std::string& path, const char* help) {
-        return command.add_option(name, path, help)->type_name("FILE");
-    };
-    return {file("--configuration", files.ConfigurationFile, "QOV configuration file"),
-            file("--settings", files.SettingsFile, "QOV settings file"),
-            file("--pipelines", files.ApoPipelinesDefinitionFile,
-                 "APO pipelines definition file, wanted when an APO is present")};
+    return {AddNamedFile(command, "--configuration", files.ConfigurationFile, "QOV configuration file"),
+            AddNamedFile(command, "--settings", files.SettingsFile, "QOV settings file"),
+            AddNamedFile(command, "--pipelines", files.ApoPipelinesDefinitionFile,
+                         "APO pipelines definition file, wanted when an APO is present")};
 }
 
 void AddMachine(CLI::App& command, CommonOptions& options)

@@ -75,7 +75,7 @@ TEST(WalksTest, AnEndpointWithoutModulesTellsWhy)
     const struct {
         std::function<void(MachineDescription&)> change;
         std::string why;  // how it begins
-        bool blames;      // a call
+        bool blames;      // a call or an answer
     } rows[] = {
         {[](auto& m) {
              m.faults = {{"IPart::EnumPartsIncoming", {}, AccessDenied, Wave + std::string("/00010003")}};
@@ -103,11 +103,16 @@ TEST(WalksTest, AnEndpointWithoutModulesTellsWhy)
              Pin(m).version = {2, 0, 0, 0, 0};
          },
          "no pin speaks the PP API", false},
+        {[](auto& m) {
+             m.faults = {{"IKsControl::KsProperty", {}, AccessDenied}};
+         },
+         "no pin to ask: the driver names no offload pin, and no signal path leads to a software pin; "
+         R"(IKsControl::KsProperty of ...\espeakerwave (audio engine descriptor of node 0) failed with 80070005)",
+         true},
         {[](auto& m) { Pin(m).reply.reset(); }, "pin 1 its list of modules cannot be read (80070490", false},
-        {[](auto& m) { Pin(m).reply = machine::Bytes(7); }, "pin 1 its list of modules is too long or too short",
-         false},
+        {[](auto& m) { Pin(m).reply = machine::Bytes(7); }, "pin 1 its list of modules is too long or too short", true},
         {[](auto& m) { Pin(m).reply = machine::ModuleListReply({}); }, "pin 1 lists no module", false},
-        {[](auto& m) { Pin(m).reply->pop_back(); }, "pin 1 promises 3 modules that its list does not hold", false},
+        {[](auto& m) { Pin(m).reply->pop_back(); }, "pin 1 promises 3 modules that its list does not hold", true},
         {[](auto& m) { m.endpoints[0].state = DEVICE_STATE_DISABLED; }, "not active", false},
         {[](auto& m) {
              m.faults = {{"IMMDevice::GetId", 1, AccessDenied}};
@@ -123,7 +128,7 @@ TEST(WalksTest, AnEndpointWithoutModulesTellsWhy)
         row.change(laptop);
         const EndpointView speakers = Speakers(laptop);
         EXPECT_TRUE(speakers.why.starts_with(row.why)) << row.why << "\nbut: " << speakers.why;
-        EXPECT_EQ(speakers.walk && speakers.walk->toBlame, row.blames) << row.why;
+        EXPECT_EQ(speakers.walk && (speakers.walk->toBlame || speakers.walk->damaged), row.blames) << row.why;
         EXPECT_TRUE(speakers.firmware.empty()) << row.why;
     }
 }
@@ -134,6 +139,7 @@ machine::RegistryValue& Value(MachineDescription& machine, const wchar_t* name)
     return *std::find_if(values.begin(), values.end(), [name](const auto& value) { return value.name == name; });
 }
 constexpr wchar_t MfxSlot[] = L"{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},6";
+constexpr wchar_t SfxSlot[] = L"{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},5";
 constexpr wchar_t WrappedList[] = L"{bac22de4-cf4d-4c1e-8ad6-2ba11e3b7c47},5";
 
 struct CulpritRow {
@@ -156,9 +162,23 @@ void ExpectCulprits(const std::vector<CulpritRow>& rows)
     }
 }
 
+void AddElevenSpeakers(MachineDescription& machine)
+{
+    for (unsigned number = 1; number <= 11; ++number) {
+        machine::Endpoint speakers = machine.endpoints[0];
+        speakers.guid.Data1 = number;
+        speakers.guidPropertyText = machine::UpperGuidText(speakers.guid);
+        speakers.deviceId = machine::DefaultDeviceId(speakers);
+        speakers.friendlyName = L"Speakers " + std::to_wstring(number);
+        machine.endpoints.push_back(std::move(speakers));
+    }
+}
+
 TEST(CulpritTest, NamesEndpointAndValueOrCall)
 {
     const std::string on = "Speakers (High Definition Audio Device): ";
+    std::vector<std::string> ofTwelve(10, "Speakers ");
+    ofTwelve.emplace_back("and 2 more");
     ExpectCulprits({
         {[](auto&) {}, "", {}},
         {[](auto& m) { Value(m, MfxSlot).type = REG_MULTI_SZ; },
@@ -177,8 +197,16 @@ TEST(CulpritTest, NamesEndpointAndValueOrCall)
          {on + "pin 1 reports such"}},
         {[](auto& m) { Value(m, MfxSlot).data = machine::TextData(L"{7ba4ceb1-0a15-4ae4-b090-461d48fb641c}"); },
          "list",
-         {on + "SPATIALF, firmware, pin 1", on + "SPATIALF, firmware, pin 1", on + "ZAN APO SFX, SFX effect",
-          on + "ZAN APO MFX, MFX effect"}},
+         {on + "ZAN APO SFX, SFX effect", on + "ZAN APO MFX, MFX effect"}},
+        {AddElevenSpeakers, "list", ofTwelve},
+        {[](auto& m) { m.endpoints[0].guidPropertyText = L"<nix>"; },
+         "trace",
+         {on + "its property says \"<nix>\" where its GUID belongs"}},
+        {[](auto& m) { Value(m, SfxSlot).data = machine::TextData(L"{272B1E6E broken"); },
+         "trace --failed",
+         {on + "FxProperties value {d04e05a6-594b-4fb6-a80d-01af5eed7d1d},5 (SFX effect): CLSIDFromString "
+               "({272B1E6E broken) failed with 800401f3"}},
+        {[](auto& m) { Pin(m).reply = machine::Bytes(7); }, "trace", {on + "pin 1 its list of modules is too"}},
         {[](auto& m) {
              m.faults = {{"IPropertyStore::GetValue", 1, AccessDenied}};
          },
@@ -187,13 +215,32 @@ TEST(CulpritTest, NamesEndpointAndValueOrCall)
     });
 }
 
-TEST(CulpritStandInTest, NamesTheKeyOfARegistryCall)
+TEST(CulpritStandInTest, NamesTheCallAndNoEndpointThatItIsNotMadeOn)
 {
-    ExpectCulprits({{[](auto& m) {
-                         m.faults = {{"RegQueryValueExW", 1, 5}};
-                     },
-                     "trace --failed",
-                     {R"(Speakers (High Definition Audio Device): RegQueryValueExW of ...\Render\{E5A0C9D2-)"}}});
+    const struct {
+        const char* call;
+        LONG result;
+        std::vector<std::string> lines;
+    } rows[] = {
+        {"RegQueryValueExW",
+         5,
+         {R"(Speakers (High Definition Audio Device): RegQueryValueExW of ...\Render\{E5A0C9D2-)"}},
+        {"StringFromCLSID", AccessDenied, {"Speakers (High Definition Audio Device): StringFromCLSID ({E5A0C9D2-"}},
+        {"CoInitializeEx", AccessDenied, {"CoInitializeEx (multithreaded) failed with 80070005"}},
+        {"RegOpenKeyW", 5, {R"(RegOpenKeyW of ...\Capture failed with 5)"}},
+        {"RegCloseKey", 6, {R"(RegCloseKey of ...\Capture failed with 6)"}},
+        // Without a failure of the run.
+        {"RegEnumKeyExW",
+         5,
+         {R"(RegEnumKeyExW of ...\Capture (0) failed)", R"(RegEnumKeyExW of ...\Render (0) failed)"}},
+        {"RegQueryInfoKeyW", 5, {R"(RegQueryInfoKeyW of ...\Capture )", R"(RegQueryInfoKeyW of ...\Render )"}},
+        {"VerifyVersionInfoW", 5, {"VerifyVersionInfoW (6.3) failed with 5"}},
+    };
+    for (const auto& row : rows)
+        ExpectCulprits({{[&row](auto& m) { m.faults = {{row.call, {}, row.result}}; }, "trace --failed", row.lines}});
+    MachineDescription laptop = Laptop();
+    laptop.faults = {{"RegEnumKeyExW", {}, 5}};
+    EXPECT_FALSE(Speakers(laptop).effectsKnown);
 }
 
 TEST(TraceTest, FailedStepsAreToldWithinTheirs)

@@ -22,12 +22,15 @@ namespace host {
 
 namespace {
 
+// A fault on an object that every call of it meets may stand for a call that was made when the snapshot was taken
+// alone.
 std::vector<std::string> UnusedFaults(const rehearsal::Outcome& outcome)
 {
     std::vector<std::string> warnings;
     for (const machine::Fault& fault : outcome.unusedFaults)
-        warnings.push_back("no call of the run met the machine file's fault of " + fault.call +
-                           (fault.object.empty() ? "" : " of " + Harmless(fault.object)));
+        if (fault.occurrence || fault.object.empty())
+            warnings.push_back("no call of the run met the machine file's fault of " + fault.call +
+                               (fault.object.empty() ? "" : " of " + Harmless(fault.object)));
     return warnings;
 }
 
@@ -187,7 +190,7 @@ private:
         if (options_.exampleMachine)
             ending_.report.moreBy += " --example-machine";
         else if (!options_.machineFile.empty())
-            ending_.report.moreBy += " --machine " + Harmless(options_.machineFile);
+            ending_.report.moreBy += " --machine " + Argument(options_.machineFile);
     }
 
     ExitCode EndUnchanged(ExitCode code, const std::string& outcome, const Findings& findings)

@@ -13,9 +13,8 @@ ExitCode RunReport(const ReportOptions& options)
     return RunLook(options, [&options](const Look& look, const Console& console) {
         const PageFacts facts{"qovxml-configure " QOVXML_VERSION, SystemName(), look.machineName, Now(),
                               NamesFiles(options)};
-        const ExitCode code = WriteResult(
-            options.output, ReportPage(facts, look.machine, look.outcome, look.findings, look.endpoints), console);
-        return code;
+        return WriteResult(options.output, ReportPage(facts, look.machine, look.outcome, look.findings, look.endpoints),
+                           console);
     });
 }
 

@@ -11,6 +11,12 @@ namespace {
 using html::Element;
 using html::Text;
 
+// Not made harmless twice.
+std::string EndpointName(const EndpointView& endpoint)
+{
+    return Text(endpoint.name.empty() ? endpoint.deviceId : endpoint.name);
+}
+
 // What a part is called within its device.
 std::string LocalName(const std::string& globalId) { return globalId.substr(globalId.rfind('/') + 1); }
 std::string DeviceName(const std::string& globalId) { return ShortName(globalId.substr(0, globalId.rfind('/'))); }
@@ -54,7 +60,7 @@ std::string PinBox(const AskedPin& pin, const EndpointView& endpoint)
 
 std::string Chain(const EndpointView& endpoint, const Walk& walk)
 {
-    std::string boxes = Box("Endpoint", Text(endpoint.name), "");
+    std::string boxes = Box("Endpoint", EndpointName(endpoint), "");
     for (const Stretch& stretch : walk.way) {
         if (!stretch.connector.empty())
             boxes += ConnectorBox("Connector", stretch.connector, endpoint);
@@ -66,7 +72,7 @@ std::string Chain(const EndpointView& endpoint, const Walk& walk)
     for (const AskedPin& pin : walk.pins)
         boxes += PinBox(pin, endpoint);
     if (!walk.why.empty())
-        boxes += Box("Ended here", Text(walk.why), "", walk.toBlame ? "bad" : "warn");
+        boxes += Box("Ended here", Text(walk.why), "", walk.toBlame || walk.damaged ? "bad" : "warn");
     return Element("ol class=\"chain\"", "\n" + boxes) + "\n";
 }
 
@@ -89,7 +95,7 @@ std::string Modules(const char* term, const std::vector<FoundModule>& modules)
 
 std::string EndpointArticle(const EndpointView& endpoint)
 {
-    std::string content = Element("h3", Text(endpoint.name)) +
+    std::string content = Element("h3", EndpointName(endpoint)) +
                           Element("p", Element("span class=\"badge\"", Text(endpoint.flow)) + " " +
                                            Element("span class=\"badge\"", Text(endpoint.state)) + " " +
                                            Element("span class=\"soft\"", html::Code(endpoint.deviceId)));

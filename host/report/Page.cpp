@@ -65,6 +65,38 @@ std::string LineText(const std::string& line)
     return text;
 }
 
+// Of "@@ -3,4 +3 @@": behind '-' four lines, behind '+' one.
+std::size_t LinesBehind(const std::string& head, char sign)
+{
+    const std::size_t end = head.find(' ', head.find(sign));
+    const std::size_t comma = head.find(',', head.find(sign));
+    return comma < end ? std::stoul(head.substr(comma + 1)) : 1;
+}
+
+// Tells the heads of a diff from lines of the file that look like one.
+class DiffReader {
+public:
+    // Null: a line that stays.
+    const char* LookOf(const std::string& line)
+    {
+        if (before_ + after_ == 0) {
+            if (line.starts_with("@@ ")) {
+                before_ = LinesBehind(line, '-');
+                after_ = LinesBehind(line, '+');
+            }
+            return line.starts_with('\\') ? nullptr : "span class=\"head\"";
+        }
+        if (line.starts_with('\\'))
+            return nullptr;
+        before_ -= line.starts_with('+') || before_ == 0 ? 0 : 1;
+        after_ -= line.starts_with('-') || after_ == 0 ? 0 : 1;
+        return line.starts_with('-') ? "span class=\"minus\"" : line.starts_with('+') ? "span class=\"plus\"" : nullptr;
+    }
+
+private:
+    std::size_t before_ = 0, after_ = 0;  // lines left of the hunk
+};
+
 std::string DiffSection(const rehearsal::Outcome& outcome)
 {
     const std::string diff = Diff(outcome);
@@ -72,14 +104,11 @@ std::string DiffSection(const rehearsal::Outcome& outcome)
         return {};
     std::string lines;
     std::istringstream text(diff);
+    DiffReader reader;
     for (std::string line; std::getline(text, line);) {
         if (line.ends_with('\r'))
             line.pop_back();
-        const char* const look = line.starts_with("---") || line.starts_with("+++") || line.starts_with('@')
-                                     ? "span class=\"head\""
-                                 : line.starts_with('-') ? "span class=\"minus\""
-                                 : line.starts_with('+') ? "span class=\"plus\""
-                                                         : nullptr;
+        const char* const look = reader.LookOf(line);
         lines += (look == nullptr ? LineText(line) : Element(look, LineText(line))) + "\n";
     }
     return Element("h2", "What would change") + "\n" + Element("pre class=\"diff\"", lines) + "\n";

@@ -41,7 +41,9 @@ constexpr std::string_view RestoreValue =
 constexpr Advice Table[] = {
     // Entry and endpoints.
     {"Failed to initialize COM interface",
-     "Run it in a process or thread of its own: this thread is in a single-threaded COM apartment."},
+     "Run it in a process or thread of its own: this one is in a single-threaded COM apartment (80010106). With "
+     "another "
+     "code restart the computer."},
     {"Failed to initialize COM device interface! Result: 0x", RestartAudio},
     {"EnumAudioEndpoints failed! Result: 0x", RestartAudio},
     {"GetCount() for devices list failed! Result: 0x", RestartAudio},

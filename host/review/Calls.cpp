@@ -18,6 +18,7 @@ constexpr Result Results[] = {
     {0x80004001, "not implemented"},
     {0x80004002, "no such interface"},
     {0x80004005, "unspecified failure"},
+    {0x80010106, "other COM apartment"},
     {0x80040154, "class not registered"},
     {0x800401f3, "no GUID"},
     {0x80070002, "file not found"},

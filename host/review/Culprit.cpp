@@ -3,14 +3,14 @@
 #include "common/Text.h"
 #include "host/review/Calls.h"
 #include "host/review/DiscoveryReport.h"
+#include "host/review/ReadValues.h"
 #include "host/review/ShownText.h"
 #include "machine/RegistryValueJson.h"
 #include "machine/Utf16.h"
 
-#include <objbase.h>
-
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 namespace host {
 
@@ -18,61 +18,33 @@ namespace {
 
 using simulation::CallRecord;
 
-// The values that a run reads of an endpoint.
-struct ReadValue {
-    bool effect;  // of FxProperties, else of Properties
-    std::string_view name;
-    std::string_view words;
+// Messages without a code, and the call that fails with them.
+struct CodelessFailure {
+    std::string_view message;
+    std::string_view call;
 };
-constexpr std::string_view WrappedList = "wrapped APO list";
-constexpr ReadValue ReadValues[] = {
-    {false, "{233164c8-1b2c-4c7d-bc68-b671687a2567},1", "device path"},
-    {true, "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},1", "LFX effect"},
-    {true, "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},2", "GFX effect"},
-    {true, "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},5", "SFX effect"},
-    {true, "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},6", "MFX effect"},
-    {true, "{d04e05a6-594b-4fb6-a80d-01af5eed7d1d},7", "EFX effect"},
-    {true, "{bac22de4-cf4d-4c1e-8ad6-2ba11e3b7c47},5", WrappedList},
+constexpr CodelessFailure CodelessFailures[] = {
+    {"Failed to initialize COM interface", "CoInitializeEx"},
+    {"Unable to open registry key", "RegOpenKeyW"},
+    {"Unable to close registry key", "RegCloseKey"},
+    {"StringFromCLSID() call failed", "StringFromCLSID"},
 };
 
-std::string TitleOf(const machine::Endpoint& endpoint)
-{
-    const std::string name = machine::Utf16ToUtf8(endpoint.friendlyName);
-    return Harmless(name.empty() ? machine::Utf16ToUtf8(endpoint.deviceId) : name);
-}
+// Calls without which the run goes on, though with less than there may be.
+constexpr std::string_view PassedOverCalls[] = {"RegEnumKeyExW", "RegQueryInfoKeyW", "CLSIDFromString",
+                                                "VerifyVersionInfoW"};
 
-std::string ValueTitle(const ReadValue& read)
-{
-    return std::string(read.effect ? "FxProperties" : "Properties") + " value " + std::string(read.name) + " (" +
-           std::string(read.words) + ")";
-}
+constexpr std::size_t MaxLines = 10;
 
-// Calls `take` with every value of an active endpoint that a run reads.
-template <class Take>
-void ForEachReadValue(const machine::MachineDescription& machine, Take take)
-{
-    for (const machine::Endpoint& endpoint : machine.endpoints)
-        for (const ReadValue& read : ReadValues) {
-            const auto& values = read.effect ? endpoint.fxProperties : endpoint.properties;
-            if (endpoint.state != DEVICE_STATE_ACTIVE || !endpoint.registered || !values)
-                continue;
-            for (const machine::RegistryValue& value : *values)
-                if (LowerCase(machine::Utf16ToUtf8(value.name)) == read.name)
-                    take(endpoint, read, value);
-        }
-}
-
-bool IsGuid(const std::wstring& text)
-{
-    GUID guid{};
-    return SUCCEEDED(CLSIDFromString(text.c_str(), &guid));
-}
-
-bool EndsWithCode(const std::string& message, const CallRecord& call)
+bool TellsOf(const std::string& message, const CallRecord& call)
 {
     const std::string code = qov::HexText(static_cast<std::uint32_t>(call.result));
-    return message.ends_with("0x" + code) || message.ends_with(": " + code);
+    return message.ends_with("0x" + code) || message.ends_with(": " + code) ||
+           std::any_of(std::begin(CodelessFailures), std::end(CodelessFailures),
+                       [&](const CodelessFailure& row) { return row.message == message && row.call == call.call; });
 }
+
+bool IsGuidCall(const CallRecord& call) { return call.call == "CLSIDFromString" || call.call == "StringFromCLSID"; }
 
 class Search {
 public:
@@ -86,19 +58,72 @@ public:
 
     Culprits Find()
     {
-        if (outcome_.failure && !findings_.fileUnderEdit)
+        // Not by one of the files.
+        const bool failed = outcome_.failure && !findings_.fileUnderEdit;
+        if (failed)
             FindFailure(*outcome_.failure);
-        for (const EndpointView& view : ReadEndpoints(machine_, outcome_, findings_))
-            if (view.walk && view.walk->toBlame)
-                AddCall(EndpointTitle(view) + ": " + view.why);
-        return {std::move(found_), calls_ ? "trace --failed" : findings_.modulesTold ? "list" : "trace"};
+        FindWalks();
+        if (!failed)
+            FindPassedOver();
+        if (found_.size() > MaxLines) {
+            const std::size_t more = found_.size() - MaxLines;
+            found_.resize(MaxLines);
+            found_.push_back("and " + std::to_string(more) + " more");
+        }
+        return {std::move(found_), calls_ ? "trace --failed" : failed && findings_.modulesTold ? "list" : "trace"};
     }
 
 private:
+    void Add(std::string line)
+    {
+        if (std::find(found_.begin(), found_.end(), line) == found_.end())
+            found_.push_back(std::move(line));
+    }
+
     void AddCall(std::string line)
     {
-        found_.push_back(std::move(line));
+        Add(std::move(line));
         calls_ = true;
+    }
+
+    void FindWalks()
+    {
+        for (const EndpointView& view : ReadEndpoints(machine_, outcome_, findings_)) {
+            if (!view.walk || view.why.empty())
+                continue;
+            if (view.walk->toBlame)
+                AddCall(EndpointTitle(view) + ": " + view.why);
+            else if (view.walk->damaged)
+                Add(EndpointTitle(view) + ": " + view.why);
+        }
+    }
+
+    // The first of the failed calls on each object.
+    void FindPassedOver()
+    {
+        std::set<std::string> told;
+        for (const rehearsal::Event& event : outcome_.events) {
+            const auto* const call = std::get_if<CallRecord>(&event);
+            if (call == nullptr || AnswerOf(*call) != Answer::Failed ||
+                std::find(std::begin(PassedOverCalls), std::end(PassedOverCalls), call->call) ==
+                    std::end(PassedOverCalls) ||
+                !told.insert(call->call + (IsGuidCall(*call) ? call->arguments : call->object)).second)
+                continue;
+            if (!IsGuidCall(*call) || !FindGuidValues(*call))
+                AddCall(FailureOf(*call));
+        }
+    }
+
+    bool FindGuidValues(const CallRecord& call)
+    {
+        bool any = false;
+        ForEachReadValue(machine_, [&](const auto& endpoint, const ReadValue& read, const auto& value) {
+            if (TextOf(value) != call.arguments)
+                return;
+            AddCall(TitleOf(endpoint) + ": " + read.Title() + ": " + FailureOf(call));
+            any = true;
+        });
+        return any;
     }
 
     // What was spoken of last.
@@ -122,17 +147,20 @@ private:
                 lastEndpoint_ = &endpoint;
     }
 
-    // The endpoint whose device, part or registry key the call was made on, or else the one that was spoken of last.
-    [[nodiscard]] std::string TitleFor(const std::string& object) const
+    // The endpoint whose device, part, registry key or GUID the call was made with, or else the one that was spoken of
+    // last. The keys above those of the endpoints belong to none.
+    [[nodiscard]] std::string TitleFor(const CallRecord& call) const
     {
         for (const machine::Endpoint& endpoint : machine_.endpoints) {
             const std::string device = machine::Utf16ToUtf8(endpoint.deviceId);
             const std::string guid = machine::Utf16ToUtf8(machine::LowerGuidText(endpoint.guid));
-            if (object == device || object.starts_with(device + "/") ||
-                LowerCase(object).find("\\" + guid) != std::string::npos)
+            if (call.object == device || call.object.starts_with(device + "/") ||
+                LowerCase(call.object).find("\\" + guid) != std::string::npos ||
+                (IsGuidCall(call) && LowerCase(call.arguments) == guid))
                 return TitleOf(endpoint) + ": ";
         }
-        return lastEndpoint_ == nullptr || object.empty() ? "" : TitleOf(*lastEndpoint_) + ": ";
+        const bool other = call.call.starts_with("Reg") || (call.object.empty() && !IsGuidCall(call));
+        return lastEndpoint_ == nullptr || other ? "" : TitleOf(*lastEndpoint_) + ": ";
     }
 
     void FindFailure(const std::string& message)
@@ -140,10 +168,10 @@ private:
         if (message == "Unsupported registry value type")
             FindTypes();
         else if (message == "Unsupported IAP module type" && lastEndpoint_ != nullptr)
-            found_.push_back(TitleOf(*lastEndpoint_) + ": pin " + Harmless(lastPin_) + " reports such a module");
+            Add(TitleOf(*lastEndpoint_) + ": pin " + Harmless(lastPin_) + " reports such a module");
         else if (findings_.modulesTold)
-            FindModules();
-        else if (!FindValue() && !FindKey(message))
+            FindModules(message);
+        else if (!FindGuidProperty(message) && !FindValue() && !FindKey(message))
             FindCall(message);
     }
 
@@ -151,9 +179,18 @@ private:
     {
         ForEachReadValue(machine_, [this](const auto& endpoint, const ReadValue& read, const auto& value) {
             if (value.type != REG_SZ && value.type != REG_DWORD && value.type != REG_BINARY)
-                found_.push_back(TitleOf(endpoint) + ": " + ValueTitle(read) + " has the type " +
-                                 machine::RegistryTypeName(value.type));
+                Add(TitleOf(endpoint) + ": " + read.Title() + " has the type " + machine::RegistryTypeName(value.type));
         });
+    }
+
+    bool FindGuidProperty(const std::string& message)
+    {
+        if (!message.starts_with("Failed to convert device GUID!") || lastEndpoint_ == nullptr ||
+            IsGuid(lastEndpoint_->guidPropertyText))
+            return false;
+        Add(TitleOf(*lastEndpoint_) + ": its property says \"" +
+            Harmless(machine::Utf16ToUtf8(lastEndpoint_->guidPropertyText)) + "\" where its GUID belongs");
+        return true;
     }
 
     // The text at which the run stopped is the one that it told last.
@@ -162,28 +199,15 @@ private:
         const std::size_t before = found_.size();
         constexpr std::string_view Told = "] Registry key value name: ";
         const std::size_t told = lastMessage_.find(Told);
-        if (lastMessage_.starts_with("GUID #") && lastEndpoint_ != nullptr &&
-            !IsGuid(lastEndpoint_->guidPropertyText)) {
-            found_.push_back(TitleOf(*lastEndpoint_) + ": its property says \"" +
-                             Harmless(machine::Utf16ToUtf8(lastEndpoint_->guidPropertyText)) +
-                             "\" where its GUID belongs");
-        } else if (told != std::string::npos) {
-            const std::string said = lastMessage_.substr(told + Told.size());
-            ForEachReadValue(machine_, [&](const auto& endpoint, const ReadValue& read, const auto& value) {
-                const std::string text = TextOf(value);
-                if (read.words == WrappedList && said == std::string(read.name) + "\nValue get: " + text)
-                    found_.push_back(TitleOf(endpoint) + ": " + ValueTitle(read) + " holds \"" + Harmless(text) + "\"");
-            });
-        }
+        if (told == std::string::npos)
+            return false;
+        const std::string said = lastMessage_.substr(told + Told.size());
+        ForEachReadValue(machine_, [&](const auto& endpoint, const ReadValue& read, const auto& value) {
+            const std::string text = TextOf(value);
+            if (read.IsWrappedList() && said == std::string(read.name) + "\nValue get: " + text)
+                Add(TitleOf(endpoint) + ": " + read.Title() + " holds \"" + Harmless(text) + "\"");
+        });
         return found_.size() > before;
-    }
-
-    static std::string TextOf(const machine::RegistryValue& value)
-    {
-        std::wstring text;
-        for (std::size_t index = 0; index + 1 < value.data.size(); index += 2)
-            text += static_cast<wchar_t>(value.data[index] | (value.data[index + 1] << 8));
-        return machine::Utf16ToUtf8(text.substr(0, text.empty() ? 0 : text.size() - 1));
     }
 
     bool FindKey(const std::string& message)
@@ -194,9 +218,9 @@ private:
         for (const auto* const keys : {&machine_.furtherCaptureKeys, &machine_.furtherRenderKeys})
             for (const std::wstring& key : *keys)
                 if (!IsGuid(key))
-                    found_.push_back("the registry key \"" + Harmless(machine::Utf16ToUtf8(key)) + "\" among the " +
-                                     (keys == &machine_.furtherRenderKeys ? "render" : "capture") +
-                                     " endpoints is named by no GUID");
+                    Add("the registry key \"" + Harmless(machine::Utf16ToUtf8(key)) + "\" among the " +
+                        (keys == &machine_.furtherRenderKeys ? "render" : "capture") +
+                        " endpoints is named by no GUID");
         return found_.size() > before;
     }
 
@@ -204,24 +228,35 @@ private:
     {
         const auto call = std::find_if(outcome_.events.rbegin(), outcome_.events.rend(), [&](const auto& event) {
             const auto* const record = std::get_if<CallRecord>(&event);
-            return record != nullptr && AnswerOf(*record) != Answer::Given && EndsWithCode(message, *record);
+            return record != nullptr && AnswerOf(*record) != Answer::Given && TellsOf(message, *record);
         });
         if (call == outcome_.events.rend())
             return;
         const auto& record = std::get<CallRecord>(*call);
-        AddCall(TitleFor(record.object) + FailureOf(record));
+        AddCall(TitleFor(record) + FailureOf(record));
     }
 
-    // The set of the maker's modules was refused.
-    void FindModules()
+    // The set of the maker's modules was refused: those that the message counts.
+    void FindModules(const std::string& message)
     {
-        for (const FoundModule& module : findings_.modules)
-            if (!module.makersName.empty())
-                found_.push_back(
-                    Harmless(module.friendlyName.empty() ? module.endpointName : module.friendlyName) + ": " +
-                    Harmless(module.makersName) + ", " +
-                    Harmless(module.pin.empty() ? module.type + " effect" : "firmware, pin " + module.pin) +
-                    (module.level == "Wrapped" ? ", wrapped" : ""));
+        const bool anywhere = message.ends_with("different endpoints");
+        const std::string_view location = message.find("SPATIALF") != std::string::npos ? "FW" : "APO";
+        const std::size_t mode = message.find(" in ") == std::string::npos ? 0 : message.find(" mode: ");
+        for (const FoundModule& module : findings_.modules) {
+            const std::string& name = module.makersName;
+            if (name.empty() || (!anywhere && module.location != location) ||
+                IsPassedOver(module, findings_.generation))
+                continue;
+            // "... in LFX/MFX mode: 2"
+            if (mode != 0 && mode != std::string::npos &&
+                message.substr(0, mode).find(name.substr(name.size() - 3)) == std::string::npos)
+                continue;
+            Add(Harmless(module.friendlyName.empty() ? module.endpointName : module.friendlyName) + ": " +
+                Harmless(name) + ", " +
+                Harmless(module.pin.empty() ? module.type + " effect"
+                                            : "firmware, pin " + module.pin + " " + module.type) +
+                (module.level == "Wrapped" ? ", wrapped" : ""));
+        }
     }
 
     const machine::MachineDescription& machine_;

@@ -1,4 +1,5 @@
 // The endpoints for people and for programs.
+#include "host/review/Culprit.h"
 #include "host/review/Endpoints.h"
 #include "host/review/ShownText.h"
 
@@ -31,7 +32,7 @@ Cell Entries(const std::vector<FoundModule>& modules)
 
 Cells CellsOf(const EndpointView& view)
 {
-    Cells cells{Cell{view.flow},       Cell{view.state},      Cell{Harmless(view.name)},
+    Cells cells{Cell{view.flow},       Cell{view.state},      Cell{EndpointTitle(view)},
                 Entries(view.effects), Entries(view.wrapped), Entries(view.firmware)};
     if (!view.why.empty())
         cells.back().push_back(view.why);
@@ -107,7 +108,7 @@ nlohmann::ordered_json EndpointsJson(const std::vector<EndpointView>& endpoints)
                         {"deviceId", view.deviceId},
                         {"effects", view.effectsKnown ? ModulesJson(view.effects) : Json(nullptr)},
                         {"wrapped", view.effectsKnown ? ModulesJson(view.wrapped) : Json(nullptr)},
-                        {"firmware", ModulesJson(view.firmware)},
+                        {"firmware", view.firmwareKnown ? ModulesJson(view.firmware) : Json(nullptr)},
                         {"why", view.why.empty() ? Json(nullptr) : Json(view.why)}});
     return list;
 }

@@ -1,5 +1,6 @@
 #include "host/review/Endpoints.h"
 
+#include "host/review/Calls.h"
 #include "host/review/DiscoveryReport.h"
 #include "host/review/ShownText.h"
 #include "machine/Utf16.h"
@@ -53,11 +54,23 @@ void NoteRefusedLists(EndpointView& view)
                                        [&pin](const FoundModule& module) { return module.pin == pin.id; });
         if (taken || !pin.why.empty())
             continue;
+        view.walk->damaged = true;
         pin.why = "promises " + std::to_string(pin.count.value_or(0)) + " modules that its list does not hold";
         view.walk->why += (view.walk->why.empty() ? "pin " : "; pin ") + pin.id + " " + pin.why;
     }
     if (!view.firmware.empty())
         view.walk->why.clear();
+}
+
+// Whether a failed call kept endpoints of the flow from the run.
+bool ListingFailed(const rehearsal::Outcome& outcome, const EndpointView& view)
+{
+    const std::string end = view.flow == "capture" ? "\\Capture" : "\\Render";
+    return std::any_of(outcome.events.begin(), outcome.events.end(), [&end](const rehearsal::Event& event) {
+        const auto* const call = std::get_if<simulation::CallRecord>(&event);
+        return call != nullptr && (call->call == "RegEnumKeyExW" || call->call == "RegQueryInfoKeyW") &&
+               call->object.ends_with(end) && AnswerOf(*call) == Answer::Failed;
+    });
 }
 
 std::string WhyNoWalk(const EndpointView& view, const rehearsal::Outcome& outcome)
@@ -76,9 +89,12 @@ EndpointView Read(const machine::Endpoint& endpoint, const std::vector<Walk>& wa
     view.name = machine::Utf16ToUtf8(endpoint.friendlyName);
     view.guid = machine::Utf16ToUtf8(machine::LowerGuidText(endpoint.guid));
     view.deviceId = machine::Utf16ToUtf8(endpoint.deviceId);
-    view.effectsKnown = findings.modulesTold && endpoint.state == DEVICE_STATE_ACTIVE;
     view.effects = Select(findings, view.guid, "APO", "Not wrapped");
     view.wrapped = Select(findings, view.guid, "APO", "Wrapped");
+    const bool any = !view.effects.empty() || !view.wrapped.empty();
+    view.effectsKnown =
+        findings.modulesTold && endpoint.state == DEVICE_STATE_ACTIVE && (any || !ListingFailed(outcome, view));
+    view.firmwareKnown = findings.modulesTold;
     const auto walk = std::find_if(walks.begin(), walks.end(),
                                    [&view](const Walk& candidate) { return candidate.deviceId == view.deviceId; });
     if (walk == walks.end()) {
@@ -86,6 +102,8 @@ EndpointView Read(const machine::Endpoint& endpoint, const std::vector<Walk>& wa
         return view;
     }
     view.walk = *walk;
+    if (!findings.modulesTold && walk->why.empty())
+        view.walk->why = "the run ended before its modules were told";
     const std::string told = LowerCase(machine::Utf16ToUtf8(endpoint.guidPropertyText));
     for (FoundModule& module : Select(findings, told, "FW", "Not wrapped"))
         if (IsReportedBy(module, *walk))

@@ -20,9 +20,10 @@ struct EndpointView {
     std::string name;
     std::string guid;  // in lower case
     std::string deviceId;
-    bool effectsKnown = false;         // the run came to its report of them; it looks at active endpoints alone
+    bool effectsKnown = false;         // the run came to them and told them; it looks at active endpoints alone
     std::vector<FoundModule> effects;  // in the slots, by slot
     std::vector<FoundModule> wrapped;
+    bool firmwareKnown = false;         // likewise, those that are not active included
     std::vector<FoundModule> firmware;  // by pin
     std::optional<Walk> walk;           // none: the run did not come to it
     std::string why;                    // no firmware modules; empty: there are some

@@ -173,4 +173,11 @@ Findings ReadFindings(const rehearsal::Outcome& outcome)
     return reader.Finish();
 }
 
+bool IsPassedOver(const FoundModule& module, WindowsGeneration generation)
+{
+    if (module.makersName == "SPATIALF" || generation == WindowsGeneration::Unknown)
+        return false;
+    return (module.makersName == "ZAN APO LFX") != (generation == WindowsGeneration::Windows8Point0OrLower);
+}
+
 }  // namespace host

@@ -63,6 +63,9 @@ struct Findings {
 
 Findings ReadFindings(const rehearsal::Outcome& outcome);
 
+// Whether the run passes the maker's module over on this Windows.
+bool IsPassedOver(const FoundModule& module, WindowsGeneration generation);
+
 // The names that the run looks for as sections and as domains.
 inline constexpr std::array<const char*, 4> BlockNames{"OrvexZan_Lfx_Mfx_Apo", "OrvexZan_Sfx_Apo", "OrvexZan_Efx_Apo",
                                                        "OrvexZan_SPATIALF"};

@@ -96,6 +96,20 @@ std::string Harmless(std::string_view bytes)
     return text;
 }
 
+std::string Argument(std::string_view bytes)
+{
+    constexpr std::string_view Plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._/\\:-";
+    std::string text = Harmless(bytes);
+    if (text.find_first_not_of(Plain) == std::string::npos)
+        return text;
+    // What a POSIX shell would not leave alone between double quotes; cmd knows no others.
+    if (text.find_first_of("$`\"!") == std::string::npos)
+        return "\"" + text + "\"";
+    for (std::size_t at = 0; (at = text.find('\'', at)) != std::string::npos; at += 4)
+        text.replace(at, 1, R"('\'')");
+    return "'" + text + "'";
+}
+
 std::string HarmlessLines(std::string_view bytes)
 {
     std::string text;

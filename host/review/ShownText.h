@@ -14,7 +14,10 @@ std::string Utf8(std::string_view bytes);
 // their bytes.
 std::string Harmless(std::string_view bytes);
 
-// Likewise, but line feeds stay, and a carriage return before one goes.
+// The same, to be pasted into a command line, of a POSIX shell or of cmd: in quotes where it must be.
+std::string Argument(std::string_view bytes);
+
+// As Harmless, but line feeds stay, and a carriage return before one goes.
 std::string HarmlessLines(std::string_view bytes);
 
 // Characters of well-formed UTF-8.

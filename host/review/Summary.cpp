@@ -50,14 +50,6 @@ std::string MachineLine(const Findings& findings)
            Count(findings.modules.size(), "audio module") + ", " + std::to_string(makers) + " of them by Orvex\n";
 }
 
-// Whether the run passes it over on this Windows.
-bool IsPassedOver(const FoundModule& module, WindowsGeneration generation)
-{
-    if (module.makersName == "SPATIALF" || generation == WindowsGeneration::Unknown)
-        return false;
-    return (module.makersName == "ZAN APO LFX") != (generation == WindowsGeneration::Windows8Point0OrLower);
-}
-
 std::string ModulesOfMaker(const Findings& findings)
 {
     std::vector<Row> rows;

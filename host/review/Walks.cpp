@@ -57,8 +57,8 @@ public:
     {
         lastIsMessage_ = false;
         last_ = call;
-        if (AnswerOf(call) == Answer::Failed && call.call != "IKsControl::KsProperty")
-            failures_.push_back(call);
+        if (AnswerOf(call) == Answer::Failed)
+            (call.call == "IKsControl::KsProperty" ? refused_ : failures_).push_back(call);
         if (walk_.way.empty() || !walk_.softwareConnector.empty())
             return;
         if (call.call == "IConnector::IsConnected")
@@ -81,8 +81,7 @@ public:
             walk_.why = "the run ended here: " + Harmless(*failure);
         } else if (!gave) {
             walk_.why = asking_ ? WhyOfPins() : "passed over: " + WhyNoPins();
-            if (!asking_ && !failures_.empty())
-                walk_.toBlame = failures_.back();
+            walk_.toBlame = walk_.toBlame || (!asking_ && !failures_.empty());
         }
         return std::move(walk_);
     }
@@ -131,22 +130,26 @@ private:
         const std::string code = failed ? " (" + ResultText(*last_) + ")" : "";
         if (!speaks_)
             pin.why = (failed ? "does not speak the PP API" : "does not speak version 1 of the PP API") + code;
-        else if (!pin.count)
+        else if (!pin.count) {
             pin.why =
                 failed ? "its list of modules cannot be read" + code : "its list of modules is too long or too short";
-        else if (*pin.count == 0)
+            walk_.damaged = walk_.damaged || !failed;
+            listRefused_ = listRefused_ || (failed && AnswerOf(*last_) == Answer::Failed);
+        } else if (*pin.count == 0)
             pin.why = "lists no module";
     }
 
-    [[nodiscard]] std::string WhyOfPins() const
+    std::string WhyOfPins()
     {
-        if (walk_.pins.empty())
-            return "no pin to ask: the driver names no offload pin, and no signal path leads to a software pin" +
-                   (failures_.empty() ? "" : "; " + FailureOf(failures_.back()));
         const bool speaks = std::any_of(walk_.pins.begin(), walk_.pins.end(),
                                         [](const AskedPin& pin) { return !pin.why.starts_with("does not speak"); });
+        walk_.toBlame = speaks ? listRefused_ : !refused_.empty() || (walk_.pins.empty() && !failures_.empty());
+        const std::string refusal = refused_.empty() ? "" : "; " + FailureOf(refused_.back());
+        if (walk_.pins.empty())
+            return "no pin to ask: the driver names no offload pin, and no signal path leads to a software pin" +
+                   (failures_.empty() ? "" : "; " + FailureOf(failures_.back())) + refusal;
         if (!speaks)
-            return "no pin speaks the PP API";
+            return "no pin speaks the PP API" + refusal;
         std::string text;
         for (const AskedPin& pin : walk_.pins)
             text += (text.empty() ? "pin " : "; pin ") + pin.id + " " + pin.why;
@@ -162,11 +165,13 @@ private:
             return ShortName(last_->object) + " is connected to nothing, and no pin of a driver" + before;
         if (noParts_ || (last_ && last_->call == "IPartsList::GetCount"))
             return "no part leads on from " + ShortName(entered_) + before;
-        return "the parts lead back to where they were come from, or on without end" + before;
+        return "the parts lead back to where they came from, or on without end" + before;
     }
 
     Walk walk_;
-    std::vector<CallRecord> failures_;  // without those of the driver's filter, which may lack what it is asked for
+    std::vector<CallRecord> failures_;  // without those of the driver's filter
+    std::vector<CallRecord> refused_;   // by the filter, not for the lack of what it is asked for
+    bool listRefused_ = false;          // of them, a list of modules
     std::optional<CallRecord> last_;
     bool lastIsMessage_ = false;
     bool noParts_ = false;  // the last message

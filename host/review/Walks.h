@@ -35,8 +35,9 @@ struct Walk {
     std::vector<Stretch> way;
     std::string softwareConnector;  // that it reached, by its global id; empty: none
     std::vector<AskedPin> pins;
-    std::string why;                                // the endpoint gave no firmware modules, in words; empty: it did
-    std::optional<simulation::CallRecord> toBlame;  // the failed call for which it was passed over, if there is one
+    std::string why;       // the endpoint gave no firmware modules, in words; empty: it did
+    bool toBlame = false;  // a failed call is: `why` names it
+    bool damaged = false;  // a list of modules is
 };
 
 // Ids are UTF-8 and may hold anything; `why` is one line, harmless to show.

@@ -148,6 +148,16 @@ def test_warnings_and_strict(folder):
     assert strict.returncode == 5 and "--- " + CONFIGURATION in strict.stdout
 
 
+def test_a_fault_that_no_call_meets_is_told_unless_it_is_of_an_object(folder):
+    machine = json.loads((PROJECT / "examples" / "machines" / "laptop-spatialf.json").read_text(encoding="utf-8"))
+    fault = {"call": "IDeviceTopology::GetConnectorCount", "result": "0x80070005", "object": machine["devices"][0]["id"]}
+    for more, code in (({}, 0), ({"occurrence": 9}, 5)):
+        machine["faults"] = [{**fault, **more}]
+        folder["own.json"] = json.dumps(machine).encode()
+        result = folder.run("apply", "--dry-run", "--strict", "--machine", "own.json", machine=None)
+        assert result.returncode == code and ("IDeviceTopology::GetConnectorCount" in result.stderr) == bool(more), result.stderr
+
+
 def test_file_content_and_names_of_any_script(folder):
     folder[CONFIGURATION] = folder[CONFIGURATION].replace(b"DeviceId:", b"DeviceId:\xff\xe9")
     machine = json.loads((folder.path / folder.command("apply")[-1]).read_text())

@@ -4,6 +4,7 @@ import base64
 import html.parser
 import json
 import re
+import shlex
 import subprocess
 
 import pytest
@@ -93,6 +94,27 @@ def test_apply_names_who_is_at_fault(folder, machine, change, code, who, command
     assert f"qovxml-configure {command} --machine own.json\n" in result.stderr + result.stdout
 
 
+@pytest.mark.parametrize("name", ["own.json", "my m'ach.json", "a$b.json"])
+def test_what_tells_more_can_be_pasted(folder, name):
+    folder[name] = json.dumps(example("laptop-denied-endpoint")).encode()
+    told = folder.run("apply", "--dry-run", "--machine", name, machine=None).stdout
+    assert shlex.split(told.split("More is told by:\n")[1].splitlines()[0])[-2:] == ["--machine", name]
+
+
+def test_a_run_that_fails_early_knows_no_modules(folder):
+    machine = example("laptop-spatialf")
+    machine["faults"] = [{"call": "RegOpenKeyW", "result": 5}]
+    machine["endpoints"][0]["friendlyName"] = ""
+    names = write(folder, machine)
+    code, text, _ = look(folder, "list", "--json", *names)
+    first = json.loads(text)["endpoints"][0]
+    assert (code, first["effects"], first["firmware"]) == (1, None, None) and first["why"].startswith("the run ended")
+    device = re.escape(first["deviceId"])
+    assert re.search(rf"^render +active +{device} +\? +\? +the run ended", look(folder, "list", *names)[1], re.MULTILINE)
+    assert look(folder, "report", "--output", "page.html", *names)[0] == 0
+    assert f"<h3>{first['deviceId']}</h3>" in folder["page.html"].decode()
+
+
 def test_hostile_and_many_endpoints(folder):
     machine = example("laptop-denied-endpoint")
     first = machine["endpoints"][0]
@@ -136,6 +158,13 @@ def test_report_is_one_page_that_needs_nothing(folder):
     assert "Would change 3 files. No warnings." in page.text and {"details", "ol", "pre"} <= set(page.tags)
     assert re.findall(r"(?:src|href)=\"(?!data:)|url\(|@import|http", text.replace("http-equiv", "")) == []
     assert ("span", "class", "plus") in page.attributes and "espeakerwave" in page.text
+    # A removed line that looks like the head of a diff.
+    folder[NAMES["settings"]] = folder[NAMES["settings"]].replace(b"\r\n", b"\n") + b"<!-- a\n-->\n"
+    diff = folder.run("apply", "--dry-run", "--diff").stdout
+    assert "\n--->\n" in diff and folder.run("report", "--output", "page.html").returncode == 0
+    before[NAMES["settings"]] = folder[NAMES["settings"]]
+    heads = re.findall(r"^(?:--- |\+\+\+ |@@ )", diff, re.MULTILINE)
+    assert Page(folder["page.html"].decode()).attributes.count(("span", "class", "head")) == len(heads)
     for path in (NAMES["settings"], "./" + NAMES["settings"]):
         assert folder.run("report", "--output", path).returncode == 2
     assert {name: folder[name] for name in before} == before
@@ -157,7 +186,8 @@ def test_the_page_on_misbehaving_machines_is_true(folder):
 
 
 @pytest.mark.parametrize("call", [["report", "--example-machine"], ["trace", "--settings", "QovSettings.xml", "--example-machine"],
-                                  ["list", "--machine", "missing.json"], ["report", "--output", ""]])
+                                  ["list", "--machine", "missing.json"], ["report", "--output", ""],
+                                  ["trace", "--configuration", "", "--settings", "s.xml", "--pipelines", "p.xml", "--example-machine"]])
 def test_wrong_usage(folder, call):
     code, output, reason = look(folder, *call)
     assert (code, output) == (2, "") and reason
