@@ -40,8 +40,13 @@ public:
 
     std::size_t Choice(std::size_t count)
     {
+        while (next_ != end_ && (*next_ == ' ' || *next_ == '\n'))
+            ++next_;
         return next_ == end_ ? 0 : static_cast<std::uint8_t>(*next_++ - '0') % count;
     }
+
+    // As Choice, but the first is `usual`, then those after it and around.
+    std::size_t Choice(std::size_t count, std::size_t usual) { return (Choice(count) + usual) % count; }
 
     template <class Table>
     auto Of(const Table& table)
@@ -67,8 +72,10 @@ public:
         machine.windowsVersion = Of(Versions);
         for (std::size_t count = 1 + Choice(3); machine.endpoints.size() < count;)
             machine.endpoints.push_back(MakeEndpoint(static_cast<std::uint8_t>(machine.endpoints.size())));
-        for (std::size_t count = Choice(3); machine.devices.size() < count;)
-            machine.devices.push_back({DriverIds[machine.devices.size()], MakeTopology(), MakeFilter()});
+        for (std::size_t count = Choice(3, 1); machine.devices.size() < count;) {
+            TopologyDescription topology = MakeTopology(Side::Driver);
+            machine.devices.push_back({DriverIds[machine.devices.size()], std::move(topology), MakeFilter()});
+        }
         if (Choice(4) == 3)
             machine.furtherRenderKeys = {Of(ClassIds) + L"x"};
         for (std::size_t count = Choice(5); machine.faults.size() < count;)
@@ -77,6 +84,8 @@ public:
     }
 
 private:
+    enum class Side { Endpoint, Driver };
+
     Bytes MakeBytes()
     {
         Bytes bytes(Choice(64));
@@ -99,7 +108,7 @@ private:
         switch (Choice(4)) {
             case 0:
                 value.data =
-                    TextData(name == PathKey ? Of(DevicePaths) : Of(ClassIds), static_cast<unsigned>(Choice(3)));
+                    TextData(name == PathKey ? Of(DevicePaths) : Of(ClassIds), static_cast<unsigned>(Choice(3, 1)));
                 break;
             case 1: {
                 std::wstring list;
@@ -108,7 +117,7 @@ private:
                             Of(std::to_array<const wchar_t*>(
                                 {L"5", L"6", L"7", L"1", L"2", L"-1x", L"", L"99999999999", L"5,"})) +
                             L";";
-                value.data = TextData(list, static_cast<unsigned>(Choice(3)));
+                value.data = TextData(list, static_cast<unsigned>(Choice(3, 1)));
                 break;
             }
             default:
@@ -130,25 +139,30 @@ private:
             endpoint.properties = {MakeValue(PathKey)};
         if (endpoint.registered && Choice(2) == 0) {
             endpoint.fxProperties.emplace();
-            for (const std::wstring& name : {EffectKey + L"1", EffectKey + L"5", EffectKey + L"6", ListKey})
-                if (Choice(2) == 1)
+            // The first endpoint has an effect on its streams.
+            const std::wstring usual = number == 0 ? EffectKey + L"5" : L"";
+            for (const std::wstring& name : {EffectKey + L"5", EffectKey + L"1", EffectKey + L"6", ListKey})
+                if (Choice(2, name == usual ? 1 : 0) == 1)
                     endpoint.fxProperties->push_back(MakeValue(name));
         }
-        endpoint.topology = MakeTopology();
+        endpoint.topology = MakeTopology(Side::Endpoint);
         return endpoint;
     }
 
-    TopologyDescription MakeTopology()
+    // Of an endpoint, a connector that is joined to the driver's first; of a driver, that and a software connector
+    // before it, with a signal path.
+    TopologyDescription MakeTopology(Side side)
     {
+        const bool driver = side == Side::Driver;
         TopologyDescription topology;
-        const std::size_t count = Choice(16) == 15 ? 0 : 1 + Choice(5);
+        const std::size_t count = Choice(16) == 15 ? 0 : (driver ? 2 : 1) + Choice(5);
         for (UINT id = 0; id < count; ++id) {
             PartDescription part;
             part.localId = id;
             switch (id == 0 ? 0 : Choice(3)) {
                 case 0:
-                    part.connectorType = Of(std::to_array({Physical_Internal, Software_IO, Unknown_Connector}));
-                    if (Choice(2) == 0)
+                    part.connectorType = Of(std::to_array({Software_IO, Physical_Internal, Unknown_Connector}));
+                    if (Choice(2, driver ? 1 : 0) == 0)
                         part.connectedTo = {Choice(8) == 7 ? L"endpoint-0" : Of(DriverIds),
                                             static_cast<UINT>(Choice(6))};
                     break;
@@ -158,25 +172,24 @@ private:
                 default:
                     break;
             }
-            part.incoming = MakeNeighbours();
-            part.outgoing = MakeNeighbours();
+            part.incoming = MakeNeighbours(id);
+            part.outgoing = MakeNeighbours(id);
             topology.parts.push_back(part);
         }
-        for (std::size_t paths = Choice(3); topology.signalPaths.size() < paths;)
-            topology.signalPaths.emplace_back(static_cast<UINT>(topology.signalPaths.size()),
-                                              static_cast<UINT>(Choice(6)));
+        for (std::size_t paths = Choice(3, driver ? 1 : 0); topology.signalPaths.size() < paths;)
+            topology.signalPaths.emplace_back(static_cast<UINT>(Choice(6, 1)), static_cast<UINT>(Choice(6)));
         return topology;
     }
 
-    // Maybe none, maybe parts that are not there.
-    std::optional<std::vector<UINT>> MakeNeighbours()
+    // The next part, or several, or none, or no list; maybe parts that are not there.
+    std::optional<std::vector<UINT>> MakeNeighbours(UINT id)
     {
-        const std::size_t count = Choice(4);
+        const std::size_t count = Choice(4, 1);
         if (count == 3)
             return std::nullopt;
         std::vector<UINT> neighbours;
         while (neighbours.size() < count)
-            neighbours.push_back(static_cast<UINT>(Choice(7)));
+            neighbours.push_back(static_cast<UINT>(Choice(7, id + 1)));
         return neighbours;
     }
 
@@ -185,10 +198,10 @@ private:
         if (Choice(6) == 5)
             return std::nullopt;
         FilterDescription filter;
-        for (std::size_t count = Choice(3); filter.audioEngineNodes.size() < count;)
+        for (std::size_t count = Choice(3, 1); filter.audioEngineNodes.size() < count;)
             filter.audioEngineNodes.push_back(
-                {static_cast<ULONG>(filter.audioEngineNodes.size()), MakeNumber(), MakeNumber(), MakeNumber()});
-        for (std::size_t count = Choice(4); filter.pins.size() < count;)
+                {static_cast<ULONG>(1 + filter.audioEngineNodes.size()), MakeNumber(), MakeNumber(), MakeNumber()});
+        for (std::size_t count = Choice(4, 1); filter.pins.size() < count;)
             filter.pins.push_back(MakePin(static_cast<ULONG>(filter.pins.size())));
         return filter;
     }
@@ -200,7 +213,7 @@ private:
         pin.version = Choice(4) == 3 ? MakeBytes() : Bytes{1, 0, 0, 0, 0};
         if (Choice(4) == 3)
             return pin;
-        std::vector<FwModuleEntry> modules(Choice(5));
+        std::vector<FwModuleEntry> modules(Choice(5, 1));
         for (FwModuleEntry& module : modules)
             module = {static_cast<std::uint32_t>(Choice(4)), Choice(4) == 3 ? GUID{} : SpatialfModule};
         pin.reply = ModuleListReply(modules);

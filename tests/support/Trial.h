@@ -17,11 +17,13 @@ struct Trial {
     std::vector<simulation::CallRecord> calls;
     std::array<std::string, 3> files;  // afterwards: configuration, settings, pipelines definition
     // A line for each promise that the run broke: a message that docs/MESSAGES.md does not know, something of the
-    // platform still held, a file that is neither wholly old nor wholly new, more calls than the bounds allow.
+    // platform still held, a file that is not, byte for byte, what the log says of it, more calls than the bounds
+    // allow.
     std::string broken;
 };
 
-// Runs on the files of tests/scenarios/files/, which every run finds anew.
+// Runs on the files of tests/scenarios/files/, which every run finds anew: the settings with LF alone at the lines'
+// ends.
 class Trials {
 public:
     Trials();
@@ -36,6 +38,7 @@ private:
     ScratchFolder folder_;
     std::array<std::string, 3> paths_;
     std::array<std::string, 3> before_;
+    std::array<std::string, 3> withCrLf_;  // the same with every line end as the run writes it
 };
 
 // Whether docs/MESSAGES.md has a heading for the message.
