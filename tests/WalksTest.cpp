@@ -211,7 +211,8 @@ TEST(CulpritTest, NamesEndpointAndValueOrCall)
              m.faults = {{"IPropertyStore::GetValue", 1, AccessDenied}};
          },
          "trace --failed",
-         {on + "IPropertyStore::GetValue of {0.0.0.00000000}.{e5a0c9d2"}},
+         {on + "IPropertyStore::GetValue of {0.0.0.00000000}.{e5a0c9d2-6f34-4b18-9a7d-02c4f8b1637e} "
+               "(the endpoint's GUID) failed"}},
     });
 }
 
