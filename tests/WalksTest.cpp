@@ -203,15 +203,15 @@ TEST(CulpritTest, NamesEndpointAndValueOrCall)
          "trace",
          {on + "its property says \"<nix>\" where its GUID belongs"}},
         {[](auto& m) { Value(m, SfxSlot).data = machine::TextData(L"{272B1E6E broken"); },
-         "trace --failed",
-         {on + "FxProperties value {d04e05a6-594b-4fb6-a80d-01af5eed7d1d},5 (SFX effect): CLSIDFromString "
-               "({272B1E6E broken) failed with 800401f3"}},
+         "trace",
+         {on + "FxProperties value {d04e05a6-594b-4fb6-a80d-01af5eed7d1d},5 (SFX effect) holds \"{272B1E6E broken\""}},
         {[](auto& m) { Pin(m).reply = machine::Bytes(7); }, "trace", {on + "pin 1 its list of modules is too"}},
         {[](auto& m) {
              m.faults = {{"IPropertyStore::GetValue", 1, AccessDenied}};
          },
          "trace --failed",
-         {on + "IPropertyStore::GetValue of {0.0.0.00000000}.{e5a0c9d2"}},
+         {on + "IPropertyStore::GetValue of {0.0.0.00000000}.{e5a0c9d2-6f34-4b18-9a7d-02c4f8b1637e} "
+               "(the endpoint's GUID) failed"}},
     });
 }
 

@@ -71,6 +71,20 @@ constexpr Request Requests[] = {
 };
 constexpr std::size_t SetDigits = 32, IdDigits = 8, TargetStart = 48, TargetDigits = 8;
 
+// Arguments that are numbers.
+struct Numbers {
+    std::string_view call;
+    std::string_view arguments;
+    std::string_view words;
+};
+constexpr Numbers NumbersInWords[] = {
+    {"IMMDeviceEnumerator::EnumAudioEndpoints", "0, 1", "active render endpoints"},
+    {"IMMDeviceEnumerator::EnumAudioEndpoints", "1, 1", "active capture endpoints"},
+    {"IMMDeviceEnumerator::EnumAudioEndpoints", "2, 1", "active endpoints"},
+    {"IPropertyStore::GetValue", "4", "the endpoint's GUID"},
+    {"IPropertyStore::GetValue", "14", "its friendly name"},
+};
+
 // Eight hexadecimal digits, the low byte first; others give nothing that is wrong to show.
 std::uint32_t LittleEndian(std::string_view digits)
 {
@@ -112,6 +126,9 @@ std::string ArgumentsText(const simulation::CallRecord& call)
         if (digits && arguments.starts_with(row.set) && arguments.substr(SetDigits, IdDigits) == row.id)
             return std::string(row.words) + std::to_string(LittleEndian(arguments.substr(TargetStart, TargetDigits))) +
                    (arguments.ends_with("no data 0") ? ", its size" : "");
+    for (const Numbers& row : NumbersInWords)
+        if (row.call == call.call && row.arguments == arguments)
+            return std::string(row.words);
     return Harmless(call.arguments);
 }
 

@@ -19,7 +19,7 @@ Answer AnswerOf(const simulation::CallRecord& call);
 // denied".
 std::string ResultText(const simulation::CallRecord& call);
 
-// A request to the driver in words, anything else as it was recorded.
+// A request to the driver and numbers in words, anything else as it was recorded.
 std::string ArgumentsText(const simulation::CallRecord& call);
 
 // Names of devices, parts and keys without what all of them begin with: "...\espeakerwave/00010003".

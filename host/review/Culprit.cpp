@@ -63,8 +63,10 @@ public:
         if (failed)
             FindFailure(*outcome_.failure);
         FindWalks();
-        if (!failed)
-            FindPassedOver();
+        if (!failed) {
+            FindPassedOverCalls();
+            FindPassedOverEffects();
+        }
         if (found_.size() > MaxLines) {
             const std::size_t more = found_.size() - MaxLines;
             found_.resize(MaxLines);
@@ -99,7 +101,7 @@ private:
     }
 
     // The first of the failed calls on each object.
-    void FindPassedOver()
+    void FindPassedOverCalls()
     {
         std::set<std::string> told;
         for (const rehearsal::Event& event : outcome_.events) {
@@ -109,11 +111,22 @@ private:
                     std::end(PassedOverCalls) ||
                 !told.insert(call->call + (IsGuidCall(*call) ? call->arguments : call->object)).second)
                 continue;
-            if (!IsGuidCall(*call) || !FindGuidValues(*call))
+            if (!IsGuidCall(*call) || (IsGuid(machine::Utf8ToUtf16(call->arguments)) && !FindGuidValues(*call)))
                 AddCall(FailureOf(*call));
         }
     }
 
+    // Their texts tell it on every system: Windows' own functions leave no record.
+    void FindPassedOverEffects()
+    {
+        ForEachReadValue(machine_, [&](const auto& endpoint, const ReadValue& read, const auto& value) {
+            if (read.effect && !read.IsWrappedList() && HoldsOtherThanGuid(value))
+                Add(TitleOf(endpoint) + ": " + read.Title() + " holds \"" + Harmless(TextOf(value)) +
+                    "\" where a GUID belongs");
+        });
+    }
+
+    // A GUID that was refused nevertheless.
     bool FindGuidValues(const CallRecord& call)
     {
         bool any = false;

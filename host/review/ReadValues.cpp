@@ -21,6 +21,14 @@ constexpr ReadValue ReadValues[] = {
     {true, "{bac22de4-cf4d-4c1e-8ad6-2ba11e3b7c47},5", WrappedList},
 };
 
+std::wstring UnitsOf(const machine::RegistryValue& value)
+{
+    std::wstring text;
+    for (std::size_t index = 0; index + 1 < value.data.size(); index += 2)
+        text += static_cast<wchar_t>(value.data[index] | (value.data[index + 1] << 8));
+    return text;
+}
+
 }  // namespace
 
 std::string ReadValue::Title() const
@@ -48,10 +56,15 @@ void ForEachReadValue(
 
 std::string TextOf(const machine::RegistryValue& value)
 {
-    std::wstring text;
-    for (std::size_t index = 0; index + 1 < value.data.size(); index += 2)
-        text += static_cast<wchar_t>(value.data[index] | (value.data[index + 1] << 8));
+    const std::wstring text = UnitsOf(value);
     return machine::Utf16ToUtf8(text.substr(0, text.empty() ? 0 : text.size() - 1));
+}
+
+bool HoldsOtherThanGuid(const machine::RegistryValue& value)
+{
+    const std::wstring units = UnitsOf(value);
+    const std::wstring text = units.substr(0, units.find(L'\0'));
+    return !text.empty() && !IsGuid(text);
 }
 
 std::string TitleOf(const machine::Endpoint& endpoint)

@@ -27,6 +27,9 @@ void ForEachReadValue(
 // UTF-8, without its last unit, as the run tells it; not harmless.
 std::string TextOf(const machine::RegistryValue& value);
 
+// Whether it holds a text, but none that a run takes for a GUID.
+bool HoldsOtherThanGuid(const machine::RegistryValue& value);
+
 // "Speakers", or the device id of an endpoint without a name; harmless to show.
 std::string TitleOf(const machine::Endpoint& endpoint);
 

@@ -103,7 +103,7 @@ def test_what_tells_more_can_be_pasted(folder, name):
 
 def test_a_run_that_fails_early_knows_no_modules(folder):
     machine = example("laptop-spatialf")
-    machine["faults"] = [{"call": "RegOpenKeyW", "result": 5}]
+    machine["faults"] = [{"call": "IMMDeviceEnumerator::EnumAudioEndpoints", "occurrence": 2, "result": "0x80070005"}]
     machine["endpoints"][0]["friendlyName"] = ""
     names = write(folder, machine)
     code, text, _ = look(folder, "list", "--json", *names)
