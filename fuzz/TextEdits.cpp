@@ -1,12 +1,14 @@
-// The edits of the three files. The first line of an input says which (its first byte) and with what name or value (the
-// rest), the others are the lines that are edited.
+// The edits of the three files, and how a file is read and written. The first line of an input says which (its first
+// byte) and with what name or value (the rest), the others are the lines that are edited.
 #include "fuzz/Fuzz.h"
+#include "support/Scratch.h"
 #include "xmledit/Blocks.h"
 #include "xmledit/QuotedValues.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -106,13 +108,43 @@ void SetValue(LineFile file, const std::string& keyword, const std::string& tag,
             "a second run changes nothing");
 }
 
+// The bytes of a file whose lines that hold the text got a further line behind them: every line end is CR LF.
+std::string Translated(const std::string& bytes, const std::string& text)
+{
+    std::string translated;
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t feed = std::min(bytes.find('\n', at), bytes.size());
+        std::string line = bytes.substr(at, feed - at);
+        if (feed < bytes.size() && line.ends_with('\r'))
+            line.pop_back();
+        const bool edited = line.find(text) != std::string::npos;
+        translated += line + "\r\n" + (edited ? text + "\r\n" : "");
+        at = feed + 1;
+    }
+    return translated;
+}
+
+void ReadAndWrite(const std::string& bytes, const std::string& text)
+{
+    static const ScratchFolder folder;
+    static const std::string path = folder.Path("lines.xml");
+    WriteBytes(path, bytes);
+    LineFile file = qov::ReadLineFile(path);
+    for (std::size_t line = 0; line < file.End(); line = file.Next(line))
+        if (file[line].find(text) != std::string::npos)
+            file.Edit(line) += '\n' + text;
+    qov::WriteLineFile(std::move(file), path);
+    Require(ReadBytes(path) == Translated(bytes, text), "a file is written with its line ends translated");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string input(reinterpret_cast<const char*>(data), size);
     const std::size_t end = std::min(input.find('\n'), size);
-    const LineFile lines(input.substr(std::min(end + 1, size)));
+    const std::string bytes = input.substr(std::min(end + 1, size));
+    const LineFile lines(bytes);
     const std::string given = input.substr(std::min<std::size_t>(1, end), end - std::min<std::size_t>(1, end));
 
     switch (end == 0 ? '\0' : input[0]) {
@@ -130,6 +162,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         case 's':
             SetValue(lines, "Subeffects_SpeechMode", "ParamId:", given);
+            break;
+        case 'w':
+            ReadAndWrite(bytes, given);
             break;
         default:
             SetValue(lines, "", "DeviceId:", given);

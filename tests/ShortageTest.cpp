@@ -33,11 +33,14 @@ void* Allocate(std::size_t size)
     throw std::bad_alloc();
 }
 
-const machine::MachineDescription& ExampleMachine()
-{
-    static const auto machine = machine::ReadMachine(QOVXML_EXAMPLES "/machines/laptop-spatialf.json");
-    return machine;
-}
+// With and without firmware modules, each with an effect.
+constexpr const char* MachineFiles[] = {"laptop-spatialf.json", "laptop-sfx.json"};
+
+class ShortageTest : public testing::TestWithParam<const char*> {
+protected:
+    const machine::MachineDescription machine_ =
+        machine::ReadMachine(QOVXML_EXAMPLES "/machines/" + std::string(GetParam()));
+};
 
 // An exception that is none of the library's.
 struct Refused {};
@@ -69,13 +72,13 @@ void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 namespace {
 
 // The run is ended by the shortage, wherever it comes: it never goes on with less than it found.
-TEST(ShortageTest, EveryAllocationFailsOnce)
+TEST_P(ShortageTest, EveryAllocationFailsOnce)
 {
     const Trials trials;
     std::size_t failing = 1;
     for (bool met = true; met; failing += TestShare()) {
         SCOPED_TRACE("allocation " + std::to_string(failing));
-        const Trial trial = trials.Run(ExampleMachine(), [&](const QovXml::Config& config, ILogger& logger) {
+        const Trial trial = trials.Run(machine_, [&](const QovXml::Config& config, ILogger& logger) {
             // Windows' functions are not watched meanwhile: their record would need memory where none may fail.
             winapi::SetCallHook({});
             const FailingAllocation fails(failing);
@@ -89,15 +92,15 @@ TEST(ShortageTest, EveryAllocationFailsOnce)
     std::cout << (failing - 1) / TestShare() - 1 << " allocations" << std::endl;
 }
 
-TEST(ShortageTest, EveryMessageMeetsALoggerThatThrows)
+TEST_P(ShortageTest, EveryMessageMeetsALoggerThatThrows)
 {
     const Trials trials;
-    const Trial whole = trials.Run(ExampleMachine());
+    const Trial whole = trials.Run(machine_);
     ASSERT_EQ(whole.broken + whole.failure, "");
     for (std::size_t accepted = 0; accepted < whole.log.size(); ++accepted) {
         SCOPED_TRACE("message " + std::to_string(accepted + 1));
         bool refused = false;
-        const Trial trial = trials.Run(ExampleMachine(), [&](const QovXml::Config& config, ILogger& logger) {
+        const Trial trial = trials.Run(machine_, [&](const QovXml::Config& config, ILogger& logger) {
             RefusingLogger refusing(logger, accepted);
             try {
                 QovXml::ConfigureQovXmls(config, refusing);
@@ -111,5 +114,8 @@ TEST(ShortageTest, EveryMessageMeetsALoggerThatThrows)
         EXPECT_EQ(trial.log.size(), accepted);
     }
 }
+
+INSTANTIATE_TEST_SUITE_P(, ShortageTest, testing::ValuesIn(MachineFiles),
+                         [](const auto& machine) { return std::to_string(machine.index + 1); });
 
 }  // namespace
