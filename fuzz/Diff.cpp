@@ -1,6 +1,5 @@
 // The diff that the host shows: applied to the old bytes it gives the new ones. An input is old and new bytes with a
-// line
-// "%" between them.
+// line "%" between them.
 #include "fuzz/Fuzz.h"
 #include "host/review/Lines.h"
 #include "host/review/UnifiedDiff.h"

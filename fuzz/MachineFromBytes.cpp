@@ -106,17 +106,18 @@ private:
     {
         RegistryValue value{name, Of(Types), {}};
         switch (Choice(4)) {
-            case 0:
-                value.data =
-                    TextData(name == PathKey ? Of(DevicePaths) : Of(ClassIds), static_cast<unsigned>(Choice(3, 1)));
+            case 0: {
+                const std::wstring text = name == PathKey ? Of(DevicePaths) : Of(ClassIds);
+                value.data = TextData(text, static_cast<unsigned>(Choice(3, 1)));
                 break;
+            }
             case 1: {
+                constexpr const wchar_t* Slots[] = {L"5", L"6", L"7", L"1", L"2", L"-1x", L"", L"99999999999", L"5,"};
                 std::wstring list;
-                for (std::size_t count = Choice(4); count > 0; --count)
-                    list += Of(ClassIds) + L"," +
-                            Of(std::to_array<const wchar_t*>(
-                                {L"5", L"6", L"7", L"1", L"2", L"-1x", L"", L"99999999999", L"5,"})) +
-                            L";";
+                for (std::size_t count = Choice(4); count > 0; --count) {
+                    list += Of(ClassIds) + L",";
+                    list += std::wstring(Of(Slots)) + L";";
+                }
                 value.data = TextData(list, static_cast<unsigned>(Choice(3, 1)));
                 break;
             }
@@ -177,7 +178,7 @@ private:
             topology.parts.push_back(part);
         }
         for (std::size_t paths = Choice(3, driver ? 1 : 0); topology.signalPaths.size() < paths;)
-            topology.signalPaths.emplace_back(static_cast<UINT>(Choice(6, 1)), static_cast<UINT>(Choice(6)));
+            topology.signalPaths.push_back({static_cast<UINT>(Choice(6, 1)), static_cast<UINT>(Choice(6))});
         return topology;
     }
 
